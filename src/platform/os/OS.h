@@ -1,0 +1,93 @@
+#pragma once
+
+#include "rtl/TMethod.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+/// A window handle; 0 is no window.
+using HWND = std::uint32_t;
+/// A keyboard layout handle: the language identifier in the low 16 bits.
+using HKL = std::uint32_t;
+/// A virtual key code, 0 to 255.
+using TVirtualKey = std::uint8_t;
+
+inline constexpr HKL LayoutUSEnglish = 0x409;
+
+struct TMessage {
+    std::uint32_t Msg = 0;
+    std::intptr_t WParam = 0;
+    std::intptr_t LParam = 0;
+    std::intptr_t Result = 0;
+};
+using TWndMethod = TMethod<void(TMessage&)>;
+
+// The flags of a message box and the buttons that answer it.
+inline constexpr std::uint32_t MB_OK = 0, MB_YESNOCANCEL = 3, MB_YESNO = 4;
+inline constexpr std::uint32_t MB_ICONERROR = 16, MB_ICONQUESTION = 32, MB_ICONWARNING = 48,
+                               MB_ICONINFORMATION = 64;
+enum TDialogAnswer : std::uint8_t { IDOK = 1, IDCANCEL = 2, IDYES = 6, IDNO = 7 };
+
+/// What the pack and the component library need of the operating system. One implementation is
+/// installed at a time, see InstallOS; everything runs on the main thread.
+class TOperatingSystem {
+public:
+    TOperatingSystem() = default;
+    TOperatingSystem(const TOperatingSystem&) = delete;
+    TOperatingSystem& operator=(const TOperatingSystem&) = delete;
+    virtual ~TOperatingSystem() = default;
+
+    // Message windows. Posted messages are handled in posting order; those of a window that is gone
+    // are dropped.
+    virtual HWND AllocateHWnd(TWndMethod procedure) = 0;
+    virtual void DeallocateHWnd(HWND window) = 0;
+    virtual bool PostMessage(HWND window, std::uint32_t msg, std::intptr_t wParam,
+                             std::intptr_t lParam) = 0;
+    /// Calls the window's procedure at once and returns its result; 0 for a window that is gone.
+    virtual std::intptr_t SendMessage(HWND window, std::uint32_t msg, std::intptr_t wParam,
+                                      std::intptr_t lParam) = 0;
+    virtual std::intptr_t DefWindowProc(const TMessage& message) = 0;
+    /// Takes the oldest posted message and hands it to its window; false when none waits.
+    virtual bool DispatchMessage() = 0;
+
+    virtual HKL GetKeyboardLayout() = 0;
+    virtual void ActivateKeyboardLayout(HKL layout) = 0;
+    /// What the active layout calls a key that has no name of its own, for example "," or ";";
+    /// empty when the key gives no character.
+    virtual std::string KeyName(TVirtualKey key) = 0;
+
+    /// The full file name of the module that holds the pack.
+    virtual std::string GetModuleFileName() = 0;
+
+    /// Shows a modal message and returns the button that answered it.
+    virtual TDialogAnswer MessageBox(HWND owner, std::string_view text, std::string_view caption,
+                                     std::uint32_t flags) = 0;
+    virtual void MessageBeep() = 0;
+};
+
+/// Installs an implementation, which must outlive its use, and returns the one before; null takes
+/// it out.
+TOperatingSystem* InstallOS(TOperatingSystem* os);
+/// The installed implementation. Raises EInvalidOperation when there is none.
+TOperatingSystem& OS();
+bool HasOS();
+
+/// A hidden message window, for as long as the object lives.
+class TMessageWindow {
+public:
+    explicit TMessageWindow(TWndMethod procedure) : FHandle(OS().AllocateHWnd(procedure)) {}
+    TMessageWindow(const TMessageWindow&) = delete;
+    TMessageWindow& operator=(const TMessageWindow&) = delete;
+    ~TMessageWindow() {
+        if (HasOS()) OS().DeallocateHWnd(FHandle);
+    }
+    HWND Handle() const { return FHandle; }
+
+private:
+    HWND FHandle;
+};
+
+} // namespace tarn

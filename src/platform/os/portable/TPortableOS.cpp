@@ -1,0 +1,112 @@
+#include "os/portable/TPortableOS.h"
+
+#include <filesystem>
+#include <span>
+#include <system_error>
+
+namespace tarn {
+
+// --- Message windows --------------------------------------------------------------------------
+
+HWND TPortableOS::AllocateHWnd(TWndMethod procedure) {
+    FWindows.emplace(++FLastWindow, procedure);
+    return FLastWindow;
+}
+
+void TPortableOS::DeallocateHWnd(HWND window) {
+    FWindows.erase(window);
+    std::erase_if(FQueue, [window](const TPosted& posted) { return posted.Window == window; });
+}
+
+bool TPortableOS::PostMessage(HWND window, std::uint32_t msg, std::intptr_t wParam,
+                              std::intptr_t lParam) {
+    if (!FWindows.contains(window)) return false;
+    FQueue.push_back({window, {msg, wParam, lParam, 0}});
+    return true;
+}
+
+std::intptr_t TPortableOS::SendMessage(HWND window, std::uint32_t msg, std::intptr_t wParam,
+                                       std::intptr_t lParam) {
+    const auto found = FWindows.find(window);
+    if (found == FWindows.end()) return 0;
+    TMessage message{msg, wParam, lParam, 0};
+    // The window may go while it handles the message: its procedure is copied first.
+    const TWndMethod procedure = found->second;
+    procedure(message);
+    return message.Result;
+}
+
+std::intptr_t TPortableOS::DefWindowProc(const TMessage&) {
+    return 0;
+}
+
+bool TPortableOS::DispatchMessage() {
+    if (FQueue.empty()) return false;
+    const TPosted posted = FQueue.front();
+    FQueue.pop_front();
+    SendMessage(posted.Window, posted.Message.Msg, posted.Message.WParam, posted.Message.LParam);
+    return true;
+}
+
+// --- Keyboard layouts -------------------------------------------------------------------------
+
+void TPortableOS::ActivateKeyboardLayout(HKL layout) {
+    FLayout = layout;
+    FLayoutsActivated.push_back(layout);
+}
+
+namespace {
+
+/// The key caps of the keys whose place carries another sign in each layout.
+struct TOemKey {
+    TVirtualKey Key;
+    std::string_view English, German, Russian;
+};
+
+constexpr TOemKey OemKeys[] = {
+    {0xBA, ";", "Ü", "Ж"},   {0xBB, "=", "+", "="}, {0xBC, ",", ",", "Б"}, {0xBD, "-", "-", "-"},
+    {0xBE, ".", ".", "Ю"},   {0xBF, "/", "#", "."}, {0xC0, "`", "Ö", "Ё"}, {0xDB, "[", "ß", "Х"},
+    {0xDC, "\\", "^", "\\"}, {0xDD, "]", "´", "Ъ"}, {0xDE, "'", "Ä", "Э"},
+};
+
+} // namespace
+
+std::string TPortableOS::KeyName(TVirtualKey key) {
+    constexpr HKL german = 0x407, russian = 0x419;
+    for (const TOemKey& oem : OemKeys) {
+        if (oem.Key != key) continue;
+        switch (FLayout & 0xFFFF) {
+        case german:
+            return std::string(oem.German);
+        case russian:
+            return std::string(oem.Russian);
+        default:
+            return std::string(oem.English);
+        }
+    }
+    return {};
+}
+
+// --- The rest ---------------------------------------------------------------------------------
+
+std::string TPortableOS::GetModuleFileName() {
+    if (!FModuleFileName.empty()) return FModuleFileName;
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error).string();
+}
+
+TDialogAnswer TPortableOS::MessageBox(HWND, std::string_view text, std::string_view caption,
+                                      std::uint32_t flags) {
+    constexpr std::uint32_t buttonMask = 15;
+    TDialogAnswer answer = IDOK;
+    if ((flags & buttonMask) == MB_YESNOCANCEL) answer = IDCANCEL;
+    if ((flags & buttonMask) == MB_YESNO) answer = IDNO;
+    if (!FAnswers.empty()) {
+        answer = FAnswers.front();
+        FAnswers.pop_front();
+    }
+    FDialogs.push_back({std::string(caption), std::string(text), flags, answer});
+    return answer;
+}
+
+} // namespace tarn

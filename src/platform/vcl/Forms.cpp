@@ -1,0 +1,182 @@
+#include "vcl/Forms.h"
+
+#include "rtl/SysUtils.h"
+
+#include <algorithm>
+
+namespace tarn {
+namespace {
+
+TApplication* TheApplication = nullptr;
+TScreen* TheScreen = nullptr;
+
+template <class T> void Install(T*& place, T* object) {
+    if (place) throw EInvalidOperation(Format("there is a %s already", {object->ClassName()}));
+    place = object;
+}
+
+constexpr TPropInfo FormProps[] = {
+    Published<&TForm::Caption, &TForm::SetCaption>("Caption"),
+    Published<&TForm::WindowState, &TForm::SetWindowState>("WindowState", {.Default = wsNormal}),
+};
+
+} // namespace
+
+constinit const TClassRecord TForm::ClassRecord{"TForm", &TControl::ClassRecord,
+                                                CreateObject<TForm>, FormProps};
+constinit const TClassRecord TScreen::ClassRecord{"TScreen", &TComponent::ClassRecord};
+constinit const TClassRecord TApplication::ClassRecord{"TApplication", &TComponent::ClassRecord};
+
+TApplication* Application() {
+    return TheApplication;
+}
+TScreen* Screen() {
+    return TheScreen;
+}
+
+// --- TForm ------------------------------------------------------------------------------------
+
+TForm::TForm(TComponent* owner) : TControl(owner) {
+    TControl::SetVisible(false);
+    if (TheScreen) TheScreen->AddForm(this);
+}
+
+TForm::~TForm() {
+    if (TheApplication && TheApplication->MainForm == this) TheApplication->MainForm = nullptr;
+    if (TheScreen) TheScreen->RemoveForm(this);
+}
+
+void TForm::Show() {
+    SetVisible(true);
+    if (TheScreen) TheScreen->SetActiveForm(this);
+}
+
+void TForm::Hide() {
+    SetVisible(false);
+}
+
+void TForm::SetVisible(bool value) {
+    TControl::SetVisible(value);
+    if (!value && TheScreen && TheScreen->ActiveForm() == this) TheScreen->SetActiveForm(nullptr);
+}
+
+void TForm::SetWindowState(TWindowState value) {
+    FWindowState = value;
+    StateChanged();
+}
+
+bool TForm::IsShortCut(TShortCut shortCut) {
+    if (shortCut == 0) return false;
+    if (Menu && Menu->IsShortCut(shortCut)) return true;
+    for (int i = 0; i < ComponentCount(); ++i)
+        if (auto* const list = ClassCast<TActionList>(Components(i));
+            list && list->IsShortCut(shortCut))
+            return true;
+    return false;
+}
+
+void TForm::UpdateActions() {
+    if (!Menu) return;
+    const auto update = [](auto& self, TMenuItem& item) -> void {
+        item.InitiateAction();
+        for (int i = 0; i < item.Count(); ++i) self(self, *item.Items(i));
+    };
+    update(update, *Menu->Items());
+}
+
+// --- TScreen ----------------------------------------------------------------------------------
+
+TScreen::TScreen() {
+    Install(TheScreen, this);
+}
+
+TScreen::~TScreen() {
+    TheScreen = nullptr;
+}
+
+TForm* TScreen::Forms(int index) const {
+    if (index < 0 || index >= FormCount()) throw EListError(Format(SListIndexError, {index}));
+    return FForms[static_cast<std::size_t>(index)];
+}
+
+void TScreen::SetActiveForm(TForm* form) {
+    if (FActiveForm == form) return;
+    if (const auto place = std::find(FForms.begin(), FForms.end(), form); place != FForms.end())
+        std::rotate(FForms.begin(), place, place + 1);
+    FActiveForm = form;
+    if (OnActiveFormChange) OnActiveFormChange(this);
+}
+
+void TScreen::RemoveForm(TForm* form) {
+    std::erase(FForms, form);
+    if (FActiveForm == form) SetActiveForm(nullptr);
+}
+
+// --- TApplication -----------------------------------------------------------------------------
+
+TApplication::TApplication() : FWindow(TWndMethod::Of<&TApplication::WndProc>(this)) {
+    Install(TheApplication, this);
+}
+
+TApplication::~TApplication() {
+    TheApplication = nullptr;
+}
+
+namespace {
+
+/// Calls `take(const std::exception&)` with the exception that is being handled.
+template <class F> void TakeException(F&& take) {
+    try {
+        throw;
+    } catch (const std::exception& error) {
+        take(error);
+    } catch (...) {
+        take(Exception("unknown error"));
+    }
+}
+
+} // namespace
+
+void TApplication::HandleException(TObject* sender) {
+    const auto show = [this](const std::exception& error) { ShowException(error); };
+    const auto handle = [&](const std::exception& error) {
+        OnException ? OnException(sender, error) : show(error);
+    };
+    try {
+        TakeException(handle);
+    } catch (...) {
+        try {
+            TakeException(show);
+        } catch (...) { // NOLINT(bugprone-empty-catch): not even a message box can be shown
+        }
+    }
+}
+
+void TApplication::ShowException(const std::exception& error) {
+    OS().MessageBox(Handle(), error.what(), Title, MB_OK | MB_ICONERROR);
+}
+
+void TApplication::ProcessMessages() {
+    TOperatingSystem& os = OS();
+    for (bool more = true; more;) {
+        try {
+            more = os.DispatchMessage();
+        } catch (...) {
+            HandleException(this);
+        }
+    }
+}
+
+void TApplication::Idle() {
+    try {
+        if (MainForm) MainForm->UpdateActions();
+    } catch (...) {
+        HandleException(this);
+    }
+}
+
+void TApplication::WndProc(TMessage& message) {
+    message.Result = OS().DefWindowProc(message);
+}
+
+} // namespace tarn

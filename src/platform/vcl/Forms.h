@@ -1,0 +1,128 @@
+#pragma once
+
+#include "vcl/TControl.h"
+#include "vcl/TMenuItem.h"
+
+#include <exception>
+#include <functional>
+
+namespace tarn {
+
+enum TWindowState : std::uint8_t { wsNormal, wsMinimized, wsMaximized };
+inline constexpr std::string_view WindowStateNames[] = {"wsNormal", "wsMinimized", "wsMaximized"};
+template <>
+inline constexpr TTypeInfo TypeInfoOf<TWindowState> = EnumType("TWindowState", WindowStateNames);
+
+/// A top-level window. Every form is on the list of the screen while it lives.
+class TForm : public TControl {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+
+    explicit TForm(TComponent* owner = nullptr);
+    ~TForm() override;
+
+    const std::string& Caption() const { return Text(); }
+    void SetCaption(std::string_view value) { SetText(value); }
+
+    void Show(); ///< makes the form visible and active
+    void Hide();
+    void SetVisible(bool value) override;
+    TWindowState WindowState() const { return FWindowState; }
+    void SetWindowState(TWindowState value);
+
+    TControl* ActiveControl() const { return FActiveControl.Get(); }
+    void SetActiveControl(TControl* control) { FActiveControl = control; }
+
+    TWeak<TMainMenu> Menu;
+
+    /// Runs the item of the form's menu, or the action of one of its action lists, that has the
+    /// shortcut; true when there is one.
+    bool IsShortCut(TShortCut shortCut);
+    /// Brings the actions of the menu up to date, as the application does when it is idle.
+    void UpdateActions();
+
+private:
+    TWindowState FWindowState = wsNormal;
+    TWeak<TControl> FActiveControl;
+};
+
+inline constexpr int crDefault = 0, crHourGlass = -11;
+
+/// The forms of the process and which of them is active. There is one at a time, see Screen().
+class TScreen : public TComponent {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+
+    TScreen();
+    ~TScreen() override;
+
+    int FormCount() const { return static_cast<int>(FForms.size()); }
+    TForm* Forms(int index) const; ///< front to back; raises EListError outside the list
+
+    /// The form that has the focus; null when none of the process has.
+    TForm* ActiveForm() const { return FActiveForm.Get(); }
+    /// Brings the form to the front and tells OnActiveFormChange when another was active.
+    void SetActiveForm(TForm* form);
+
+    int Cursor() const { return FCursor; }
+    void SetCursor(int value) { FCursor = value; }
+
+    TNotifyEvent OnActiveFormChange;
+
+private:
+    friend class TForm;
+    void AddForm(TForm* form) { FForms.push_back(form); }
+    void RemoveForm(TForm* form);
+
+    std::vector<TForm*> FForms;
+    TWeak<TForm> FActiveForm;
+    int FCursor = crDefault;
+};
+
+using TExceptionEvent = TMethod<void(TObject* sender, const std::exception& error)>;
+
+/// The process: its title, its main form, its message loop and what becomes of an error that
+/// nobody caught. There is one at a time, see Application().
+class TApplication : public TComponent {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+
+    TApplication();
+    ~TApplication() override;
+
+    std::string Title;
+    std::string ExeName;
+    TForm* MainForm = nullptr; ///< null again once the form is freed
+
+    /// The window that owns the process's message boxes.
+    HWND Handle() const { return FWindow.Handle(); }
+
+    /// Takes over the display of errors that nobody caught.
+    TExceptionEvent OnException;
+    /// To be called while an exception is being handled: hands it to OnException, or shows it. What
+    /// is no std::exception is handed on as an Exception "unknown error". An error of the handler
+    /// itself is shown; nothing is thrown.
+    void HandleException(TObject* sender);
+    /// Shows the error's message in a box.
+    void ShowException(const std::exception& error);
+
+    /// Handles the posted messages until none is left. What a message's handler raises goes to
+    /// HandleException, and the next message is handled.
+    void ProcessMessages();
+    /// The message queue is empty: actions are brought up to date.
+    void Idle();
+
+private:
+    void WndProc(TMessage& message);
+    TMessageWindow FWindow;
+};
+
+/// The application and screen objects of the process, null while there is none. Who makes a
+/// TApplication or TScreen installs it; a second one raises EInvalidOperation.
+TApplication* Application();
+TScreen* Screen();
+
+} // namespace tarn
