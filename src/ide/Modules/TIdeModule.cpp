@@ -1,0 +1,97 @@
+#include "Modules/TIdeModule.h"
+
+#include "Modules/FileNames.h"
+#include "Modules/TProjectModule.h"
+#include "Services/OtaModules.h"
+#include "TIde.h"
+#include "rtl/SysUtils.h"
+
+#include <algorithm>
+
+namespace tarn {
+
+TIdeModule::TIdeModule(TIde& ide, std::string_view fileName, TIdeModule* former) : FIde(ide) {
+    if (former) {
+        AddEditor(std::move(former->FEditors.front()));
+        FEditors.front()->SetModule(*this);
+    } else {
+        AddEditor(std::make_unique<TSourceBuffer>(*this, fileName));
+    }
+}
+
+/// Adds the form file and, to a C++ source, the header that stand beside the source.
+void TIdeModule::AddSiblings() {
+    if (!HasExtension(FileName(), UnitExtensions)) return;
+    for (const std::string_view extension : FormExtensions) {
+        const std::string form = FindSibling(FileName(), extension);
+        if (form.empty()) continue;
+        AddEditor(std::make_unique<TFormEditor>(*this, form));
+        break;
+    }
+    if (!HasExtension(FileName(), CppUnitExtensions)) return;
+    if (const std::string header = FindSibling(FileName(), ".h"); !header.empty())
+        AddEditor(std::make_unique<TSourceBuffer>(*this, header));
+}
+
+TFormEditor* TIdeModule::FormEditor() const {
+    for (const auto& editor : FEditors)
+        if (auto* const form = ClassCast<TFormEditor>(editor.get())) return form;
+    return nullptr;
+}
+
+TSourceBuffer* TIdeModule::FindSource(std::string_view fileName) const {
+    for (const auto& editor : FEditors)
+        if (auto* const source = ClassCast<TSourceBuffer>(editor.get());
+            source && IsSameFile(source->FileName(), fileName))
+            return source;
+    return nullptr;
+}
+
+bool TIdeModule::Modified() const {
+    return std::any_of(FEditors.begin(), FEditors.end(),
+                       [](const auto& editor) { return editor->Modified(); });
+}
+
+void TIdeModule::Save() {
+    for (const auto& editor : FEditors)
+        if (auto* const source = ClassCast<TSourceBuffer>(editor.get())) source->Save();
+}
+
+void TIdeModule::SaveAs(std::string_view fileName) {
+    const std::string target = NormalFileName(fileName);
+    if (HasExtension(FileName(), ProjectExtensions) || HasExtension(FileName(), GroupExtensions))
+        throw EInvalidOperation("a project keeps its name, which its units' names start from");
+    if (FIde.Modules().Find(target)) throw EInvalidOperation(Format("%s is open", {target}));
+    Source().SaveAs(target);
+    for (std::size_t i = 1; i < FEditors.size(); ++i) {
+        TFileEditor& editor = *FEditors[i];
+        const std::string name = ChangeFileExt(target, ExtractFileExt(editor.FileName()));
+        if (auto* const header = ClassCast<TSourceBuffer>(&editor); header && header->IsLoaded()) {
+            header->SaveAs(name);
+            continue;
+        }
+        CopyFile(editor.FileName(), name);
+        editor.SetFileName(name);
+    }
+    FIde.EditWindow().UpdateCaptions();
+}
+
+std::vector<TProjectModule*> TIdeModule::Owners() const {
+    std::vector<TProjectModule*> owners;
+    for (const auto& module : FIde.Modules())
+        if (auto* const project = ClassCast<TProjectModule>(module.get());
+            project && project->Lists(FileName()))
+            owners.push_back(project);
+    return owners;
+}
+
+TIntf<IOTAModule> TIdeModule::Interface() {
+    if (!FInterface) FInterface = MakeInterface();
+    return FInterface;
+}
+
+TIntf<IOTAModule> TIdeModule::MakeInterface() {
+    return MakeModuleInterface(*this);
+}
+
+} // namespace tarn

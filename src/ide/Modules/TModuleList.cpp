@@ -1,0 +1,188 @@
+#include "Modules/TModuleList.h"
+
+#include "Modules/FileNames.h"
+#include "TIde.h"
+#include "rtl/SysUtils.h"
+
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+
+namespace tarn {
+namespace {
+
+std::string ReadText(const std::string& name) {
+    const TFileContents file = LoadFile(name);
+    const std::span<const char> bytes = file.Bytes.Pieces(0, file.Bytes.Size())[0];
+    return {bytes.data(), bytes.size()};
+}
+
+/// Runs a reader of project files on a file.
+template <class F> auto ReadWith(const std::string& name, const std::string& text, F reader) {
+    try {
+        return reader(text);
+    } catch (const EProjectFileError& error) {
+        throw Exception(Format("%s:%d: %s", {name, error.Line, error.Message()}));
+    }
+}
+
+TProjectFile ReadProject(const std::string& name) {
+    const bool cpp = HasExtension(name, CppProjectExtensions);
+    return ReadWith(name, ReadText(name), cpp ? ReadCppProject : ReadPascalProject);
+}
+
+/// The 1-based line of a group's text that has the rule of that project.
+int LineOf(std::string_view group, const TProjectGroupEntry& project) {
+    int line = 0;
+    int found = 0;
+    ForEachLine(group, [&](std::string_view content) {
+        ++line;
+        if (found == 0 && Trim(content).starts_with(project.Target) &&
+            content.find(project.FileName) != content.npos)
+            found = line;
+    });
+    return std::max(found, 1);
+}
+
+} // namespace
+
+TIdeModule* TModuleList::Find(std::string_view fileName) const {
+    const std::string name = NormalFileName(fileName);
+    for (const auto& module : FModules)
+        if (module->FindSource(name)) return module.get();
+    return nullptr;
+}
+
+TIdeModule& TModuleList::Add(std::unique_ptr<TIdeModule> module) {
+    FModules.push_back(std::move(module));
+    return *FModules.back();
+}
+
+// --- Opening ----------------------------------------------------------------------------------
+
+TIdeModule& TModuleList::OpenFile(std::string_view fileName) {
+    TIdeModule& module = OpenUnit(fileName);
+    module.FindSource(NormalFileName(fileName))->Show();
+    return module;
+}
+
+TIdeModule& TModuleList::OpenUnit(std::string_view fileName) {
+    if (TIdeModule* const open = Find(fileName)) return *open;
+    auto module = std::make_unique<TIdeModule>(FIde, NormalFileName(fileName));
+    module->Source().Load();
+    module->AddSiblings();
+    TIdeModule& added = Add(std::move(module));
+    FIde.EditWindow().AddBuffer(added.Source());
+    return added;
+}
+
+TIdeModule& TModuleList::OpenProject(std::string_view fileName) {
+    const std::string name = NormalFileName(fileName);
+    if (HasExtension(name, GroupExtensions)) return OpenGroup(name);
+    if (!HasExtension(name, ProjectExtensions))
+        throw Exception(Format("%s is neither a project nor a project group", {name}));
+    if (auto* const open = ClassCast<TProjectModule>(Find(name))) return *open;
+    return AddProject(name, ReadProject(name));
+}
+
+TProjectModule& TModuleList::AddProject(const std::string& name, TProjectFile project) {
+    TIdeModule* const former = Find(name);
+    auto module = std::make_unique<TProjectModule>(FIde, name, std::move(project), former);
+    if (former) std::erase_if(FModules, [=](const auto& item) { return item.get() == former; });
+    return static_cast<TProjectModule&>(Add(std::move(module)));
+}
+
+TIdeModule& TModuleList::OpenGroup(const std::string& name) {
+    if (auto* const open = ClassCast<TProjectGroupModule>(Find(name))) return *open;
+    const std::string text = ReadText(name);
+    const TProjectGroupFile file = ReadWith(name, text, ReadProjectGroup);
+
+    // All projects are read before the first one is opened.
+    struct TFound {
+        std::string Name;
+        TProjectFile Project;
+    };
+    std::vector<TFound> found;
+    for (const TProjectGroupEntry& entry : file.Projects) {
+        const std::filesystem::path folder = std::filesystem::path(name).parent_path();
+        std::string project = NormalFileName(ResolveProjectPath(folder, entry.FileName).string());
+        try {
+            TProjectFile contents = ReadProject(project);
+            found.push_back({std::move(project), std::move(contents)});
+        } catch (const EFileError& error) {
+            throw Exception(Format("%s:%d: %s", {name, LineOf(text, entry), error.what()}));
+        }
+    }
+
+    TIdeModule* const former = Find(name);
+    auto module = std::make_unique<TProjectGroupModule>(FIde, name, former);
+    if (former) std::erase_if(FModules, [=](const auto& item) { return item.get() == former; });
+    auto& group = static_cast<TProjectGroupModule&>(Add(std::move(module)));
+    for (TFound& project : found) {
+        auto* const open = ClassCast<TProjectModule>(Find(project.Name));
+        group.AddProject(open ? *open : AddProject(project.Name, std::move(project.Project)));
+    }
+    return group;
+}
+
+// --- Saving and closing -----------------------------------------------------------------------
+
+void TModuleList::SaveAll() {
+    std::exception_ptr firstError;
+    for (const auto& module : FModules) {
+        try {
+            module->Save();
+        } catch (...) {
+            if (!firstError) firstError = std::current_exception();
+        }
+    }
+    if (firstError) std::rethrow_exception(firstError);
+}
+
+bool TModuleList::MayClose(TIdeModule& module) const {
+    for (int i = 0; i < module.EditorCount(); ++i) {
+        TFileEditor& editor = module.Editor(i);
+        if (!editor.Modified()) continue;
+        const std::string question = Format("Save changes to %s?", {editor.FileName()});
+        switch (OS().MessageBox(Application()->Handle(), question, Application()->Title,
+                                MB_YESNOCANCEL | MB_ICONQUESTION)) {
+        case IDYES:
+            static_cast<TSourceBuffer&>(editor).Save();
+            break;
+        case IDNO:
+            break;
+        default:
+            return false;
+        }
+    }
+    return true;
+}
+
+bool TModuleList::Close(TIdeModule& module, bool force) {
+    if (const auto* const group = ClassCast<TProjectGroupModule>(&module))
+        for (TProjectModule* project : group->Projects())
+            if (!Close(*project, force)) return false;
+    if (!force && !MayClose(module)) return false;
+    Remove(module);
+    return true;
+}
+
+bool TModuleList::CloseAll(bool force) {
+    while (!FModules.empty())
+        if (!Close(*FModules.back(), force)) return false;
+    return true;
+}
+
+/// The module leaves the list and the window first, so that whoever is told of the change finds
+/// whole modules only.
+void TModuleList::Remove(TIdeModule& module) {
+    const auto place = std::find_if(FModules.begin(), FModules.end(),
+                                    [&](const auto& item) { return item.get() == &module; });
+    const std::unique_ptr<TIdeModule> last = std::move(*place);
+    FModules.erase(place);
+    for (int i = 0; i < last->EditorCount(); ++i)
+        if (auto* const source = ClassCast<TSourceBuffer>(&last->Editor(i)))
+            FIde.EditWindow().RemoveBuffer(*source);
+}
+
+} // namespace tarn

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Modules/TProjectModule.h"
+
+namespace tarn {
+
+/// What is open in the IDE, in the order of opening, and the commands on files. Each command
+/// raises one error, with the file's name in its message, and has done nothing then, unless told
+/// otherwise.
+class TModuleList {
+public:
+    explicit TModuleList(TIde& ide) : FIde(ide) {}
+    TModuleList(const TModuleList&) = delete;
+    TModuleList& operator=(const TModuleList&) = delete;
+
+    int Count() const { return static_cast<int>(FModules.size()); }
+    TIdeModule& Items(int index) const { return *FModules.at(static_cast<std::size_t>(index)); }
+    auto begin() const { return FModules.begin(); }
+    auto end() const { return FModules.end(); }
+    /// The module that the file is open in, as its source or its header; null when it is not open.
+    TIdeModule* Find(std::string_view fileName) const;
+
+    /// Opens the file and makes it current; a file that is open only becomes current.
+    TIdeModule& OpenFile(std::string_view fileName);
+    /// Opens a unit behind the current one.
+    TIdeModule& OpenUnit(std::string_view fileName);
+    /// Opens a project (.dpr .dpk .bpr .bpk) or a group (.bpg) with all its projects. Errors in
+    /// such a file are raised as "FILE:LINE: reason".
+    TIdeModule& OpenProject(std::string_view fileName);
+
+    /// Saves what can be saved; the first error is raised afterwards.
+    void SaveAll();
+
+    /// Closes the module and, for a group, its projects. Unless forced, the user is asked about
+    /// each modified file; false when he kept it open. The module is gone otherwise.
+    bool Close(TIdeModule& module, bool force = false);
+    bool CloseAll(bool force = false);
+
+private:
+    TIdeModule& Add(std::unique_ptr<TIdeModule> module);
+    TProjectModule& AddProject(const std::string& name, TProjectFile project);
+    TIdeModule& OpenGroup(const std::string& name);
+    bool MayClose(TIdeModule& module) const;
+    void Remove(TIdeModule& module);
+
+    TIde& FIde;
+    std::vector<std::unique_ptr<TIdeModule>> FModules;
+};
+
+} // namespace tarn

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "Modules/TFileEditor.h"
+#include "Source/TSourceView.h"
+#include "TextStore/TEditText.h"
+#include "TextStore/TextFile.h"
+
+#include <memory>
+#include <optional>
+
+namespace tarn {
+
+/// A source file of a module: its text as it is being edited, its view and its undo steps. The
+/// file is read when the buffer is loaded; before, it has neither text nor view.
+class TSourceBuffer : public TFileEditor {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+
+    using TFileEditor::TFileEditor;
+
+    /// Reads the file, once. Raises EFileError.
+    void Load();
+    bool IsLoaded() const { return FText.has_value(); }
+    /// Text and view of a loaded buffer.
+    TEditText& Text() { return *FText; }
+    const TEditText& Text() const { return *FText; }
+    TSourceView* View() const { return FView.get(); } ///< null before the buffer is loaded
+
+    bool Modified() const override { return IsLoaded() && FText->Modified(); }
+    /// Writes the text back when it was modified. Raises EFileError, also when the file was changed
+    /// by somebody else; then nothing has changed.
+    void Save();
+    /// Writes the text of a loaded buffer to another file, which is the buffer's own from then on.
+    void SaveAs(std::string_view fileName);
+
+    /// Takes the last command back, or runs it again: text, cursor and block. False when there is
+    /// none.
+    bool Undo();
+    bool Redo();
+
+    /// All changes between the two are one undo step, which brings back what the view was at
+    /// BeginCommand. The pairs nest.
+    void BeginCommand(TGroupKind kind = gkCommand);
+    void EndCommand();
+
+    /// Held while the text is changed: outside a command the change is a command of its own.
+    class TEditScope {
+    public:
+        explicit TEditScope(TSourceBuffer& buffer) : FBuffer(buffer) {
+            FBuffer.BeginCommand();
+            FBuffer.OpenGroup();
+        }
+        TEditScope(const TEditScope&) = delete;
+        TEditScope& operator=(const TEditScope&) = delete;
+        ~TEditScope() { FBuffer.EndCommand(); }
+
+    private:
+        TSourceBuffer& FBuffer;
+    };
+
+    void Show() override;
+    TIntf<IOTAEditor> Interface() override { return BufferInterface(); }
+    TIntf<IOTAEditBuffer> BufferInterface();
+
+    bool AutoIndent = true;
+
+private:
+    void OpenGroup();
+    void CloseGroup();
+    bool Step(bool (TEditText::*step)(TViewState&));
+    void Write(const std::string& fileName, const std::optional<TFileIdentity>& expected);
+
+    std::optional<TEditText> FText;
+    std::unique_ptr<TSourceView> FView;
+    std::optional<TFileIdentity> FIdentity;
+    TViewState FBefore; ///< of the running command
+    TGroupKind FKind = gkCommand;
+    int FCommandDepth = 0;
+    bool FGroupOpen = false;
+    TIntf<IOTAEditBuffer> FInterface;
+};
+
+} // namespace tarn
