@@ -1,0 +1,140 @@
+// The manager's settings: loading, saving and the editor that shows them.
+
+#include "TExpManager.h"
+#include "qsDialogs.h"
+#include "qsExpMng.h"
+#include "qsLocale.h"
+
+#include <filesystem>
+
+namespace tarn {
+
+constinit const TClassRecord TExpertEditor::ClassRecord{
+    "TExpertEditor", &TSpcEditorPro::ClassRecord, CreateObject<TExpertEditor>};
+
+void TExpertEditor::ReadFormSetting(std::string_view, std::string_view, TStrings& data) {
+    data.Assign(Manager->Data()->EditorFormData()->Setting());
+}
+
+void TExpertEditor::WriteFormSetting(std::string_view, std::string_view, const TStrings& data) {
+    Manager->Data()->EditorFormData()->Setting()->Assign(&data);
+}
+
+void TExpManager::FillPresentList() {
+    TActiveExperts& list = ExpData().ActiveExperts;
+    list.Clear();
+    for (int i = 1; i <= ExpertSlotCount; ++i) {
+        const TExpertSlot* const slot = ExpertSlot(i);
+        if (!slot) continue;
+        auto* const info = static_cast<TExpertInfo*>(list.Add(slot->Name));
+        info->Active = true;
+        info->ExpertNodeName = slot->Caption();
+    }
+}
+
+void TExpManager::StoreOwnData() {
+    AddStoredData(FData.get(), "ExpManagerData", LocaleStr(51126), GetLocalPropNames());
+}
+
+bool TExpManager::LoadExpData() {
+    const std::string file = SettingsFile();
+    std::error_code error;
+    const auto size = std::filesystem::file_size(file, error);
+    const bool loaded = !error && size != 0 && ExpManagerSlots().LoadExpData &&
+                        ExpManagerSlots().LoadExpData(ExpData(), file);
+    // Whatever an older file says, this is the version that runs.
+    SetExpertVersion();
+    return loaded;
+}
+
+void TExpManager::LoadSettings() {
+    LoadExpData();
+}
+
+void TExpManager::SaveExpData() {
+    if (ExpManagerSlots().SaveExpData) ExpManagerSlots().SaveExpData(ExpData(), SettingsFile());
+}
+
+// --- Captions ---------------------------------------------------------------------------------
+
+namespace {
+
+/// A property and the string id of its caption.
+struct TPropCaption {
+    std::string_view Prop;
+    int CaptionId;
+};
+
+/// A section of the translating table: the class's name, then a caption for each property.
+std::string CaptionSection(std::string_view className, std::initializer_list<TPropCaption> props) {
+    std::string text = Format("[%s]", {className});
+    for (const TPropCaption& prop : props)
+        text.append(LineBreak).append(prop.Prop).append("=").append(LocaleStr(prop.CaptionId));
+    return text;
+}
+
+} // namespace
+
+std::string TExpManager::GetLocalPropNames() const {
+    return CaptionSection("TExpManagerData", {{"ExpertVersion", 51163},
+                                              {"AutoSaveSettings", 51164},
+                                              {"MainMenuSearchItem", 51165},
+                                              {"InsertMenuBeforeItem", 51166},
+                                              {"MenuHaveLineBefore", 51167},
+                                              {"MenuHaveLineAfter", 51168},
+                                              {"ErrorLogAllowed", 51169},
+                                              {"MaxLogSize", 51180}});
+}
+
+void TExpManager::LocalizeEditor() {
+    std::string table = ExpData().LocalNames;
+    for (const std::string& section : {
+             CaptionSection("TExpertInfo", {{"Active", 51142}}),
+             CaptionSection("TExpMenuItemData", {{"Caption", 51143},
+                                                 {"ImageIndex", 51144},
+                                                 {"HaveLineBefore", 51145},
+                                                 {"ShortCutText", 51146}}),
+             CaptionSection("TFormSetting", {{"AutoSavePlacement", 51147},
+                                             {"FormPlacement", 51148},
+                                             {"SavePlacementShortCut", 51149}}),
+             CaptionSection(
+                 "TEditorFormData",
+                 {{"AutoSaveSetting", 51160}, {"SaveSettingShortCut", 51161}, {"Setting", 51162}}),
+         })
+        table.append(LineBreak).append(section);
+    FEditor->TranslatingTable = std::move(table);
+}
+
+// --- The editor -------------------------------------------------------------------------------
+
+void TExpManager::PrepareEditor() {
+    FEditor->Manager = this;
+    FEditor->ColCount = 1;
+    FEditor->OnCreateSpc = TCreateSpc::Of<&TExpManager::ReCreateSpc>(this);
+    FEditor->SetSpcFileName(SettingsFile());
+    FEditor->FormOptions = TSpcEditor::BaseFormOptions;
+    if (FData->EditorFormData()->AutoSaveSetting) FEditor->FormOptions.Include(foAutoSaveParams);
+    FEditor->LabelAreaInfo.DefAreaWidth = 100;
+    FEditor->ControlAreaInfo.DefAreaWidth = 200;
+    FEditor->InvisibleProps.SetTextStr("TExpertInfo.ExpertName\r\n"
+                                       "TExpertInfo.ExpertNodeName\r\n"
+                                       "TCustomDataItem.AObjectID\r\n"
+                                       "TExpMenuItemData.ItemID\r\n"
+                                       "TFormSetting.FormPlacement\r\n"
+                                       "TEditorFormData.Setting\r\n"
+                                       "TViewFormMng.DisplayUnitScrollbars\r\n"
+                                       "TExpManagerData.ID");
+    FEditor->DisabledProps.SetTextStr("TExpManagerData.ExpertVersion");
+}
+
+void TExpManager::ReCreateSpc(TObject*, TSpcObject& spc) {
+    spc.Assign(&ExpData());
+}
+
+void TExpManager::EditSettings2(TObject*) {
+    const bool changed = FEditor->ShowTree(ExpData());
+    SetOwnerWnd(0);
+    if (changed) DoRecreateExperts();
+}
+
+} // namespace tarn

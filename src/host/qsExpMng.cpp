@@ -1,0 +1,72 @@
+#include "qsExpMng.h"
+
+#include "qsErrorLog.h"
+#include "vcl/Forms.h"
+
+namespace tarn {
+namespace {
+
+struct TPackageState {
+    TUnitCounter Counter;
+    std::string Dir;
+    std::string SettingsName;
+};
+
+TPackageState& Package() {
+    static TPackageState state;
+    return state;
+}
+
+} // namespace
+
+const std::string& PackageDir() {
+    return Package().Dir;
+}
+
+const std::string& SettingsFileName() {
+    return Package().SettingsName;
+}
+
+std::string SettingsFile() {
+    return PackageDir() + SettingsFileName();
+}
+
+void InitializeExpMng() {
+    if (!Package().Counter.Enter()) return;
+    RecreateExpData();
+    Package().Dir = ExtractFilePath(OS().GetModuleFileName());
+    Package().SettingsName = "ExpData.spc";
+}
+
+void FinalizeExpMng() {
+    if (!Package().Counter.Leave()) return;
+    FreeExpertRegistry();
+    FreeExpData();
+    Package().Dir.clear();
+    Package().SettingsName.clear();
+    ErrorLog().ClearTraces();
+}
+
+void Register() {
+    const TIntf<TExpManager> manager(new TExpManager);
+    if (!manager->StartUp()) return;
+    RegisterPackageWizard(manager);
+}
+
+void CheckAddErrorLog(TObject* sender) {
+    const auto write = [sender](const std::exception& error) {
+        if (ErrorLog().LogAllowed && ExpManagerSlots().WriteLogEntry)
+            ExpManagerSlots().WriteLogEntry(sender, error);
+    };
+    try {
+        throw;
+    } catch (const Exception&) {
+        return;
+    } catch (const std::exception& error) {
+        write(error);
+    } catch (...) {
+        write(Exception("unknown error"));
+    }
+}
+
+} // namespace tarn

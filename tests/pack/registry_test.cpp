@@ -1,0 +1,169 @@
+// The registry of expert classes, the list of live experts, the settings data.
+
+#include "TPackHarness.h"
+
+namespace tarn {
+namespace {
+
+class TThirdExpert : public TCustomExpert {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+};
+constinit const TClassRecord TThirdExpert::ClassRecord{"TThirdExpert", &TCustomExpert::ClassRecord,
+                                                       CreateObject<TThirdExpert>};
+
+TEST(ExpertRegistry, Refusals) {
+    TSmallIDE ide;
+    ide.Initialize(); // TTestExpert "ExpertA" in 1, TOtherExpert "ExpertB" in 7
+    const auto third = TExpertClass::Of<TThirdExpert>();
+    const struct {
+        TExpertClass ExpClass;
+        int Index;
+        std::string_view Name;
+        std::string_view Error;
+    } cases[] = {
+        {third, 0, "X", "List index out of bounds (0)"},
+        {third, 101, "X", "List index out of bounds (101)"},
+        {third, -5, "X", "List index out of bounds (-5)"},
+        // The slot is tested before class and name.
+        {TExpertClass::Of<TTestExpert>(), 1, "ExpertA", "Expert’s group 1 is already defined."},
+        {TExpertClass::Of<TTestExpert>(), 2, "X",
+         "Expert of class TTestExpert is already defined."},
+        {third, 2, "ExpertB", "Expert’s name ExpertB is already defined."},
+        // One walk: on slot 1 the name fits before the class fits on slot 7.
+        {TExpertClass::Of<TOtherExpert>(), 2, "ExpertA",
+         "Expert’s name ExpertA is already defined."},
+        // The class is tested before the name of the same slot.
+        {TExpertClass::Of<TTestExpert>(), 2, "ExpertA",
+         "Expert of class TTestExpert is already defined."},
+    };
+    for (const auto& c : cases) {
+        try {
+            RegisterExpClass(c.ExpClass, c.Index, c.Name, -1);
+            ADD_FAILURE() << "accepted: " << c.Error;
+        } catch (const EExpMngError& error) {
+            EXPECT_EQ(error.Message(), c.Error);
+        }
+    }
+    // Names are compared exactly, and slot 100 is the last one.
+    RegisterExpClass(third, 100, "experta", -1);
+    EXPECT_EQ(ExpertSlot(100)->Caption(), "experta");
+}
+
+TEST(ExpObjectList, KeepsRecordsNotExperts) {
+    TThirdExpert one;
+    TThirdExpert two;
+    TExpObjectList list;
+    EXPECT_EQ(list.Add(&one, "Name"), 0);
+    EXPECT_EQ(list.Add(&two, "name"), 1);
+    EXPECT_EQ(list.Add(&one, "name"), 2);
+    EXPECT_EQ(list.IndexOf("name"), 1);
+    EXPECT_EQ(list.IndexOf("NAME"), -1);
+    EXPECT_EQ(list.IndexOf(&one), 0);
+    list.Delete(0);
+    EXPECT_EQ(list.IndexOf(&one), 1);
+    EXPECT_EQ(list.Get(0).Expert, &two);
+    EXPECT_THROW(list.Get(2), EListError);
+    list.Clear();
+    EXPECT_EQ(list.Count(), 0);
+}
+
+TEST(CustomExpert, InterfacesAreNotCounted) {
+    TThirdExpert expert;
+    void* found = nullptr;
+    EXPECT_EQ(expert.QueryInterface(ICustomExpert::IID, found), S_OK);
+    EXPECT_EQ(found, static_cast<ICustomExpert*>(&expert));
+    EXPECT_EQ(expert.QueryInterface(IOTAWizard::IID, found), E_NOINTERFACE);
+    EXPECT_EQ(found, nullptr);
+    EXPECT_EQ(expert._AddRef(), -1);
+    EXPECT_EQ(expert._Release(), -1);
+}
+
+TEST(ExpData, StoredDataAndCaptions) {
+    TSmallIDE ide;
+    ide.Initialize();
+    auto first = std::make_unique<TThirdExpert>();
+    TThirdExpert second;
+    AddStoredData(first.get(), "One", "First", "[A]");
+    AddStoredData(&second, "Two", "", "");
+    AddStoredData(&second, "Three", "Third", "[B]\r\nC=D");
+    const TCustomData& custom = ExpData().CustomData;
+    ASSERT_EQ(custom.Count(), 3);
+    EXPECT_EQ(custom.Get(0)->GetNodeName(), "First");
+    EXPECT_EQ(custom.Get(1)->GetNodeName(), "Two");
+    EXPECT_EQ(ExpData().LocalNames, "[B]\r\nC=D\r\n[A]\r\n");
+    // A second object of one name takes the first one's item.
+    AddStoredData(&second, "one", "Changed", "");
+    ASSERT_EQ(custom.Count(), 3);
+    EXPECT_EQ(custom.Get(0)->NestedObject(), &second);
+    EXPECT_EQ(custom.Get(0)->AObjectID, "One");
+    // The tree only refers to the objects.
+    AddStoredData(first.get(), "Four", "", "");
+    first.reset();
+    EXPECT_EQ(custom.Get(3)->NestedObject(), nullptr);
+}
+
+TEST(ExpData, AssignAndNodeNames) {
+    TSmallIDE ide;
+    ide.Initialize();
+    TExpManager* const manager = (Register(), TExpManager::Instance());
+    TExpMenuItemData* const item = ExpData().MenuData.Get(0);
+    item->HaveLineBefore = true;
+    item->ImageIndex = 9;
+    TExpData copy;
+    manager->ReCreateSpc(nullptr, copy);
+    ASSERT_EQ(copy.MenuData.Count(), ExpData().MenuData.Count());
+    EXPECT_EQ(copy.MenuData.Get(0)->ItemID, item->ItemID);
+    EXPECT_EQ(copy.MenuData.Get(0)->Caption, item->Caption);
+    // A menu item copies its identifier and caption only.
+    EXPECT_EQ(copy.MenuData.Get(0)->ImageIndex, -1);
+    EXPECT_FALSE(copy.MenuData.Get(0)->HaveLineBefore);
+    EXPECT_EQ(copy.ActiveExperts.Get(1)->ExpertName, "ExpertB");
+    EXPECT_EQ(copy.CustomData.Get(0)->NestedObject(), manager->Data());
+    TThirdExpert other;
+    EXPECT_THROW(copy.Assign(&other), EConvertError);
+
+    EXPECT_EQ(copy.GetNodeName(), "Experts settings");
+    EXPECT_EQ(copy.ActiveExperts.GetNodeName(), "Installed experts");
+    EXPECT_EQ(copy.MenuData.GetNodeName(), "Experts menu");
+    EXPECT_EQ(copy.CustomData.GetNodeName(), "Special settings");
+    EXPECT_EQ(copy.CustomData.Get(0)->GetNodeName(), "Experts manager");
+    EXPECT_EQ(manager->Data()->EditorFormData()->GetNodeName(), "Editor form settings");
+    EXPECT_EQ(TFormSetting().GetNodeName(), "Expert form settings");
+    EXPECT_FALSE(copy.NeedsTranslate() || item->NeedsTranslate() || item->NeedsIterate());
+}
+
+TEST(ExpData, EditorIsPreparedAndLocalized) {
+    TSmallIDE ide;
+    TExpManager* const manager = ide.Start();
+    const TExpertEditor& editor = *manager->Editor();
+    EXPECT_EQ(editor.Manager, manager);
+    EXPECT_EQ(editor.SpcFileName(), PackageDir() + "ExpData.spc");
+    EXPECT_EQ(editor.InvisibleProps.Count(), 8);
+    EXPECT_EQ(editor.DisabledProps.GetTextStr(), "TExpManagerData.ExpertVersion\r\n");
+    EXPECT_TRUE(editor.FormOptions.Contains(foAutoSaveParams));
+    EXPECT_EQ(editor.TranslatingTable,
+              "[TExpManagerData]\r\nExpertVersion=Current library version\r\n"
+              "AutoSaveSettings=Experts settings autosave##on exit\r\n"
+              "MainMenuSearchItem=Menu item in ##Delphi/C++Builder main menu\r\n"
+              "InsertMenuBeforeItem=Insert experts menu ##before found menu item\r\n"
+              "MenuHaveLineBefore=Separator##before experts menu item\r\n"
+              "MenuHaveLineAfter=Separator##after experts menu item\r\n"
+              "ErrorLogAllowed=Error log allowed\r\n"
+              "MaxLogSize=Maximal size of the logfile,##kilobytes\r\n\r\n"
+              "[TExpertInfo]\r\nActive=Active\r\n"
+              "[TExpMenuItemData]\r\nCaption=menu item’s text\r\n"
+              "ImageIndex=Picture index for menu item\r\n"
+              "HaveLineBefore=Separator before##menu item\r\n"
+              "ShortCutText=Hotkeys ##for menu item call\r\n"
+              "[TFormSetting]\r\nAutoSavePlacement=Autosave##form position\r\n"
+              "FormPlacement=Save form##position\r\n"
+              "SavePlacementShortCut=Hotkey for##form position save\r\n"
+              "[TEditorFormData]\r\nAutoSaveSetting=Form properties autosave\r\n"
+              "SaveSettingShortCut=Hotkey for##form properties save\r\n"
+              "Setting=Save form properties");
+}
+
+} // namespace
+} // namespace tarn
