@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+// The commands of the program. Each raises EScriptError or EFileError; the message names the place.
+
+/// Plays a script, "-" for standard input; prints to standard output.
+void RunScript(const std::string& file);
+
+/// What `tarn apply` is told.
+struct TApplyRequest {
+    std::string Command; ///< the identifier of a menu item
+    std::string File;    ///< "-" for standard input
+    std::string Select;  ///< "R:C-R:C"; empty when not given
+    std::string Lines;   ///< "A-B"; empty when not given; without either the whole text is meant
+    bool InPlace = false;
+};
+
+/// Runs one command of the pack on a file and gives the resulting bytes, or writes them back.
+/// A refused command changes nothing.
+std::optional<std::string> ApplyCommand(const TApplyRequest& request);
+
+/// The main menu as the pack builds it.
+std::string BuiltMenu();
+
+/// The whole program.
+int TarnMain(int argc, char** argv);
+
+} // namespace tarn

@@ -1,0 +1,527 @@
+#include "TScript.h"
+
+#include "Diff.h"
+#include "Places.h"
+#include "Settings.h"
+
+#include <atomic>
+#include <fstream>
+#include <iterator>
+#include <unistd.h>
+
+namespace tarn {
+namespace fs = std::filesystem;
+
+namespace {
+
+using TArgs = std::vector<std::string>;
+
+[[noreturn]] void Refuse(const std::string& text) {
+    throw EScriptError(ExitRefused, text);
+}
+[[noreturn]] void Misuse(const std::string& text) {
+    throw EScriptError(ExitUsage, text);
+}
+
+bool HasWord(const TArgs& args, std::size_t from, std::string_view word) {
+    for (std::size_t i = from; i < args.size(); ++i)
+        if (SameText(args[i], word)) return true;
+    return false;
+}
+
+/// A line as it is, with control characters but the tab as \xHH.
+std::string Shown(std::string_view line) {
+    std::string text;
+    for (const char c : line) {
+        if (static_cast<unsigned char>(c) < 32 && c != '\t')
+            text += Escaped({&c, 1});
+        else
+            text += c;
+    }
+    return text;
+}
+
+fs::path MakeScratch() {
+    static std::atomic<int> count = 0;
+    const fs::path folder =
+        fs::temp_directory_path() / Format("tarn-%d-%d", {static_cast<int>(::getpid()), ++count});
+    fs::create_directories(folder);
+    return folder;
+}
+
+std::string ReadAll(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) throw EScriptError(ExitIO, "cannot read " + file.string());
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::string PlaceText(TTextPos place) {
+    return Format("%d:%d", {place.Row, place.Col});
+}
+
+std::string Lines(std::string_view text) {
+    return std::string(text) + "\n";
+}
+
+std::string OrNone(std::string text) {
+    // Names are joined by CR LF; shown on one line.
+    for (std::size_t at; (at = text.find("\r\n")) != std::string::npos;) text.replace(at, 2, ", ");
+    return text.empty() ? "-" : text;
+}
+
+struct TAnswerName {
+    std::string_view Name;
+    TDialogAnswer Answer;
+};
+constexpr TAnswerName AnswerNames[] = {
+    {"ok", IDOK}, {"cancel", IDCANCEL}, {"yes", IDYES}, {"no", IDNO}};
+
+struct TLayoutName {
+    std::string_view Name;
+    HKL Layout;
+};
+constexpr TLayoutName LayoutNames[] = {
+    {"english", LayoutUSEnglish}, {"german", 0x407}, {"russian", 0x419}};
+
+} // namespace
+
+// --- The tables -------------------------------------------------------------------------------
+
+struct TScript::TVerb {
+    std::string_view Name;
+    std::string_view Args;
+    std::string_view Help;
+    std::size_t Least, Most; ///< number of arguments
+    void (*Run)(TScript& script, const TStatement& statement);
+};
+
+struct TScript::TTopic {
+    std::string_view Name;
+    std::string_view Args;
+    std::string_view Help;
+    std::size_t Most; ///< number of arguments behind the topic
+    std::string (*Print)(TScript& script, const TArgs& args);
+};
+
+struct TScript::TTables {
+    static constexpr std::size_t Any = 1000;
+    static const TVerb Verbs[];
+    static const TTopic Topics[];
+    static const TVerb& FindVerb(std::string_view name);
+    static const TTopic& FindTopic(std::string_view name);
+};
+
+const TScript::TVerb TScript::TTables::Verbs[] = {
+    {"start", "", "load the pack into the IDE", 0, 0,
+     [](TScript& s, const TStatement&) {
+         if (s.FSession.PackRuns()) Refuse("the pack is started already");
+         if (!s.FSession.StartPack()) Refuse("the pack could not be started");
+     }},
+    {"stop", "", "unload the pack", 0, 0,
+     [](TScript& s, const TStatement&) {
+         if (!s.FSession.PackRuns()) Refuse("the pack is not started");
+         s.FSession.StopPack();
+     }},
+    {"pump", "", "handle the posted messages, as the IDE does when it is idle", 0, 0,
+     [](TScript& s, const TStatement&) { s.FSession.Ide().PumpMessages(); }},
+    {"file", "NAME [crlf|lf|cr] [open-end]",
+     "make a file in the scratch folder from the block below; CR LF ends its lines unless told; "
+     "with open-end the last line has none",
+     1, 3,
+     [](TScript& s, const TStatement& st) {
+         const std::string_view end = HasWord(st.Args, 1, "lf")   ? "\n"
+                                      : HasWord(st.Args, 1, "cr") ? "\r"
+                                                                  : "\r\n";
+         std::string text;
+         for (const std::string& line : st.Block) text.append(line).append(end);
+         if (HasWord(st.Args, 1, "open-end") && !text.empty()) text.resize(text.size() - end.size());
+         std::ofstream stream(s.FScratch / st.Args[0], std::ios::binary);
+         if (!(stream << text)) throw EScriptError(ExitIO, "cannot write " + st.Args[0]);
+     }},
+    {"bytes", "NAME TEXT...", "make a file in the scratch folder from the quoted texts", 2, Any,
+     [](TScript& s, const TStatement& st) {
+         std::ofstream stream(s.FScratch / st.Args[0], std::ios::binary);
+         for (std::size_t i = 1; i < st.Args.size(); ++i) stream << st.Args[i];
+         if (!stream) throw EScriptError(ExitIO, "cannot write " + st.Args[0]);
+     }},
+    {"open", "FILE", "open a file, or make it current", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         s.FSession.Ide().Modules().OpenFile(s.FileOf(st.Args[0]).string());
+         s.NoteOriginal();
+     }},
+    {"project", "FILE", "open a project or a project group", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         s.FSession.Ide().Modules().OpenProject(s.FileOf(st.Args[0]).string());
+         s.NoteOriginal();
+     }},
+    {"tab", "NAME|NUMBER", "make another tab current", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         const std::string& name = st.Args[0];
+         const bool number = name.find_first_not_of("0123456789") == std::string::npos;
+         const bool found = number ? s.FSession.Ide().ActivateTab(StrToInt(name) - 1)
+                                   : s.FSession.Ide().ActivateTab(name);
+         if (!found) Refuse("there is no tab '" + name + "'");
+     }},
+    {"activate", "FORM", "make the form of that component name active; - for no form", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         (void)s;
+         TForm* form = nullptr;
+         for (int i = 0; i < Screen()->FormCount() && !form; ++i)
+             if (SameText(Screen()->Forms(i)->Name(), st.Args[0])) form = Screen()->Forms(i);
+         if (!form && st.Args[0] != "-") Refuse("there is no form '" + st.Args[0] + "'");
+         Screen()->SetActiveForm(form);
+     }},
+    {"cursor", "R:C", "put the cursor", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         CurrentView(s.FSession).GoTo(ParsePlace(st.Args[0]));
+     }},
+    {"select", "R:C-R:C [start] [column]",
+     "select a block; the cursor stands at its end, or at its start; a stream block unless told", 1,
+     3,
+     [](TScript& s, const TStatement& st) {
+         const auto [from, to] = ParseRange(st.Args[0]);
+         TSourceView& view = CurrentView(s.FSession);
+         const bool column = HasWord(st.Args, 1, "column");
+         if (!column) {
+             CheckPlace(view.Buffer().Text(), from);
+             CheckPlace(view.Buffer().Text(), to);
+         }
+         view.Select(from, to, column ? btColumn : btNonInclusive, HasWord(st.Args, 1, "start"));
+     }},
+    {"lines", "A-B [start]", "select whole lines", 1, 2,
+     [](TScript& s, const TStatement& st) {
+         TSourceView& view = CurrentView(s.FSession);
+         const auto [first, last] = ParseRows(st.Args[0]);
+         const auto [from, to] = WholeRows(view.Buffer().Text(), first, last);
+         view.Select(from, to, btNonInclusive, HasWord(st.Args, 1, "start"));
+     }},
+    {"type", "TEXT", "type a text into the editor", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         if (!s.FSession.Ide().TypeText(st.Args[0])) Refuse("the editor does not have the focus");
+     }},
+    {"press", "KEY...", "press keys such as Ctrl+. or Shift+Down; named as on a US keyboard", 1, Any,
+     [](TScript& s, const TStatement& st) {
+         for (const std::string& name : st.Args) {
+             const TShortCut key = s.FSession.KeyOf(name);
+             if (key == 0) Misuse("'" + name + "' is no key");
+             if (!s.FSession.Ide().PressKey(key)) Refuse("nothing takes the key " + name);
+         }
+     }},
+    {"click", "ITEM",
+     "click a menu item: the identifier of a command, a component name, or captions with | between",
+     1, 1,
+     [](TScript& s, const TStatement& st) {
+         TMenuItem* const item = s.FSession.FindMenuItem(st.Args[0]);
+         if (!item) Misuse("there is no menu item '" + st.Args[0] + "'");
+         if (!s.FSession.Ide().ClickMenuItem(*item)) Refuse("'" + st.Args[0] + "' is disabled");
+     }},
+    {"undo", "", "take the last step back", 0, 0,
+     [](TScript& s, const TStatement&) {
+         if (!s.FSession.Ide().Undo()) Refuse("there is nothing to undo");
+     }},
+    {"redo", "", "do the step again that was taken back", 0, 0,
+     [](TScript& s, const TStatement&) {
+         if (!s.FSession.Ide().Redo()) Refuse("there is nothing to redo");
+     }},
+    {"save", "[FILE]", "save the current file, in the scratch folder when a name is given", 0, 1,
+     [](TScript& s, const TStatement& st) {
+         TSourceBuffer& buffer = CurrentView(s.FSession).Buffer();
+         if (st.Args.empty()) buffer.Save();
+         else buffer.SaveAs((s.FScratch / st.Args[0]).string());
+     }},
+    {"close", "[force]", "close the current file; with force without asking", 0, 1,
+     [](TScript& s, const TStatement& st) {
+         TIdeModule* const module = s.FSession.Ide().CurrentModule();
+         if (!module) Refuse("no file is open");
+         if (!s.FSession.Ide().Modules().Close(*module, HasWord(st.Args, 0, "force")))
+             Refuse("the file stays open");
+     }},
+    {"answer", "yes|no|cancel|ok", "queue the answer of the next dialog", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         for (const TAnswerName& named : AnswerNames)
+             if (SameText(named.Name, st.Args[0])) {
+                 s.FSession.OS().QueueAnswer(named.Answer);
+                 return;
+             }
+         Misuse("'" + st.Args[0] + "' is no answer; there are yes, no, cancel and ok");
+     }},
+    {"set", "PATH VALUE", "set a setting, for example EditorManagerData.SafeStringMoving False", 2,
+     2, [](TScript&, const TStatement& st) { SetSetting(st.Args[0], st.Args[1]); }},
+    {"apply", "", "apply changed menu settings: the menu is rebuilt at the next pump", 0, 0,
+     [](TScript& s, const TStatement&) {
+         if (!s.FSession.PackRuns()) Refuse("the pack is not started");
+         TExpManager::Instance()->DoApplySettings();
+     }},
+    {"layout", "english|german|russian", "activate a keyboard layout", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         for (const TLayoutName& named : LayoutNames)
+             if (SameText(named.Name, st.Args[0])) {
+                 s.FSession.OS().ActivateKeyboardLayout(named.Layout);
+                 return;
+             }
+         Misuse("'" + st.Args[0] + "' is no layout; there are english, german and russian");
+     }},
+    {"print", "TOPIC [ARG...]", "print what a user would see, see the topics below", 1, Any,
+     [](TScript& s, const TStatement& st) { s.FOutput(s.Print(st.Args)); }},
+    {"say", "TEXT...", "print the text", 0, Any,
+     [](TScript& s, const TStatement& st) {
+         std::string line;
+         for (const std::string& word : st.Args) line += (line.empty() ? "" : " ") + word;
+         s.FOutput(Lines(line));
+     }},
+    {"expect", "TOPIC [ARG...]",
+     "compare what print would print with the block below; the script fails with the difference", 1,
+     Any,
+     [](TScript& s, const TStatement& st) {
+         std::string expected;
+         for (const std::string& line : st.Block) expected += line + "\n";
+         const std::string found = s.Print(st.Args);
+         if (found == expected) return;
+         Refuse("not as expected\n" + UnifiedDiff(expected, found, "expected", "found"));
+     }},
+    {"refuse", "VERB [ARG...]", "run another statement, which must be refused", 1, Any,
+     [](TScript& s, const TStatement& st) {
+         TStatement inner = st;
+         inner.Verb = st.Args[0];
+         inner.Args.erase(inner.Args.begin());
+         try {
+             s.Run(inner);
+         } catch (const EScriptError& error) {
+             if (error.ExitCode() == ExitUsage) throw;
+             return;
+         }
+         Refuse("'" + inner.Verb + "' was not refused");
+     }},
+};
+
+const TScript::TTopic TScript::TTables::Topics[] =
+    {
+        {"text", "[A-B]", "the lines of the current file", 1,
+         [](TScript& s, const TArgs& args) {
+             const auto [first, last] = s.Rows(args, 0);
+             std::string text;
+             for (int row = first; row <= last; ++row)
+                 text += Shown(CurrentView(s.FSession).Buffer().Text().LineText(row)) + "\n";
+             return text;
+         }},
+        {"lines", "[A-B]", "the same with their numbers", 1,
+         [](TScript& s, const TArgs& args) {
+             const auto [first, last] = s.Rows(args, 0);
+             std::string text;
+             for (int row = first; row <= last; ++row)
+                 text += Format("%4d  ", {row}) +
+                         Shown(CurrentView(s.FSession).Buffer().Text().LineText(row)) + "\n";
+             return text;
+         }},
+        {"bytes", "[A-B]", "the same to the byte: escapes, line ends included", 1,
+         [](TScript& s, const TArgs& args) {
+             const auto [first, last] = s.Rows(args, 0);
+             const TEditText& source = CurrentView(s.FSession).Buffer().Text();
+             std::string text;
+             for (int row = first; row <= last; ++row) {
+                 const std::size_t end =
+                     row < source.LineCount() ? source.LineStart(row + 1) : source.Size();
+                 text += "\"" + Escaped(source.Text(source.LineStart(row), end)) + "\"\n";
+             }
+             return text;
+         }},
+        {"selection", "", "the bytes of the block, with escapes", 0,
+         [](TScript& s, const TArgs&) {
+             return "\"" + Escaped(CurrentView(s.FSession).BlockText()) + "\"\n";
+         }},
+        {"cursor", "", "the place of the cursor", 0,
+         [](TScript& s, const TArgs&) {
+             return Lines(PlaceText(CurrentView(s.FSession).Cursor()));
+         }},
+        {"block", "", "style and ends of the block, and where in it the cursor stands", 0,
+         [](TScript& s, const TArgs&) {
+             const TSourceView& view = CurrentView(s.FSession);
+             if (!view.HasBlock()) return Lines("none, cursor " + PlaceText(view.Cursor()));
+             return Lines(std::string(view.BlockStyle() == btColumn ? "column " : "stream ") +
+                          PlaceText(view.BlockStart()) + "-" + PlaceText(view.BlockEnd()) +
+                          ", cursor " + PlaceText(view.Cursor()));
+         }},
+        {"view", "", "the rows that are seen", 0,
+         [](TScript& s, const TArgs&) {
+             const TSourceView& view = CurrentView(s.FSession);
+             return Lines(Format("rows %d-%d", {view.TopRow(), view.BottomRow()}));
+         }},
+        {"diff", "", "what has changed in the current file since it was opened", 0,
+         [](TScript& s, const TArgs&) {
+             const TSourceBuffer& buffer = CurrentView(s.FSession).Buffer();
+             const std::string name = fs::path(buffer.FileName()).filename().string();
+             return UnifiedDiff(s.FOriginals[buffer.FileName()], buffer.Text().Text(),
+                                name + " (before)", name + " (after)");
+         }},
+        {"modified", "", "whether the current file differs from the saved one", 0,
+         [](TScript& s, const TArgs&) {
+             return Lines(CurrentView(s.FSession).Buffer().Modified() ? "yes" : "no");
+         }},
+        {"file", "NAME", "the bytes of a file on disk, with escapes", 1,
+         [](TScript& s, const TArgs& args) {
+             if (args.empty()) Misuse("print file needs a name");
+             return "\"" + Escaped(ReadAll(s.FileOf(args[0]))) + "\"\n";
+         }},
+        {"tabs", "", "the tabs of the editor, the current one with a *", 0,
+         [](TScript& s, const TArgs&) {
+             TTabControl& tabs = s.FSession.Ide().EditWindow().TabControl();
+             std::string text;
+             for (int i = 0; i < tabs.Tabs().Count(); ++i)
+                 text += (i == tabs.TabIndex() ? "* " : "  ") + tabs.Tabs()[i] + "\n";
+             return text;
+         }},
+        {"form", "", "the active form", 0,
+         [](TScript&, const TArgs&) {
+             const TForm* const form = Screen()->ActiveForm();
+             return Lines(form ? form->Name() : "-");
+         }},
+        {"menu", "[all]",
+         "the main menu with the pack's items: caption, [shortcut], (component name), identifier, "
+         "picture, state; with all every menu in full",
+         1,
+         [](TScript& s, const TArgs& args) {
+             return s.FSession.MenuText(HasWord(args, 0, "all"));
+         }},
+        {"dialogs", "", "the dialogs shown since the last time, with their answers", 0,
+         [](TScript& s, const TArgs&) {
+             std::string text;
+             const auto& dialogs = s.FSession.OS().Dialogs();
+             for (; s.FDialogsSeen < dialogs.size(); ++s.FDialogsSeen) {
+                 const TPortableOS::TShownDialog& dialog = dialogs[s.FDialogsSeen];
+                 std::string_view answer;
+                 for (const TAnswerName& named : AnswerNames)
+                     if (named.Answer == dialog.Answer) answer = named.Name;
+                 text += Format("[%s] %s -> %s\n", {dialog.Caption, Escaped(dialog.Text), answer});
+             }
+             return text;
+         }},
+        {"beeps", "", "the number of beeps since the last time", 0,
+         [](TScript& s, const TArgs&) {
+             const int beeps = s.FSession.OS().Beeps() - s.FBeepsSeen;
+             s.FBeepsSeen += beeps;
+             return Lines(IntToStr(beeps));
+         }},
+        {"layout", "", "the active keyboard layout", 0,
+         [](TScript& s, const TArgs&) {
+             for (const TLayoutName& named : LayoutNames)
+                 if (named.Layout == s.FSession.OS().GetKeyboardLayout()) return Lines(named.Name);
+             return Lines("unknown");
+         }},
+        {"setting", "PATH", "a setting", 1,
+         [](TScript&, const TArgs& args) {
+             if (args.empty()) Misuse("print setting needs a path");
+             return Lines(GetSetting(args[0]));
+         }},
+        {"trace",
+         "", "how far start-up and shut-down have got, and with which experts, newest first", 0,
+         [](TScript& s, const TArgs&) {
+             const TErrorLogState traces = s.FSession.Traces();
+             return "constructor: " + OrNone(traces.ConstructorTrace) +
+                    "\ncreated: " + OrNone(traces.CreatedExperts) +
+                    "\ndestructor: " + OrNone(traces.DestructorTrace) +
+                    "\ndeleted: " + OrNone(traces.DeletedExperts) + "\n";
+         }},
+};
+
+const TScript::TVerb& TScript::TTables::FindVerb(std::string_view name) {
+    for (const TVerb& verb : Verbs)
+        if (SameText(verb.Name, name)) return verb;
+    Misuse("unknown verb '" + std::string(name) + "'; tarn run --help lists them");
+}
+
+const TScript::TTopic& TScript::TTables::FindTopic(std::string_view name) {
+    for (const TTopic& topic : Topics)
+        if (SameText(topic.Name, name)) return topic;
+    Misuse("unknown topic '" + std::string(name) + "'; tarn run --help lists them");
+}
+
+std::string TScript::Help() {
+    std::string text;
+    const auto row = [&text](std::string_view name, std::string_view args, std::string_view help) {
+        std::string head = "  " + std::string(name) + (args.empty() ? "" : " ") + std::string(args);
+        if (head.size() < 34)
+            head.resize(34, ' ');
+        else
+            head += "\n" + std::string(34, ' ');
+        text.append(head).append(help).append("\n");
+    };
+    text +=
+        "Verbs, one a line; # begins a comment; quoted words know \\n \\r \\t \\\\ \\\" \\xHH;\n"
+        "lines that begin with | are the block of the verb above them:\n";
+    for (const TVerb& verb : TTables::Verbs) row(verb.Name, verb.Args, verb.Help);
+    text += "\nTopics of print and expect:\n";
+    for (const TTopic& topic : TTables::Topics) row(topic.Name, topic.Args, topic.Help);
+    return text;
+}
+
+// --- Playing ----------------------------------------------------------------------------------
+
+TScript::TScript(fs::path folder, TOutput output)
+    : FFolder(std::move(folder)), FScratch(MakeScratch()), FOutput(std::move(output)) {}
+
+TScript::~TScript() {
+    std::error_code error;
+    fs::remove_all(FScratch, error);
+}
+
+void TScript::Play(std::string_view text) {
+    for (const TStatement& statement : ParseScript(text)) {
+        try {
+            Run(statement);
+        } catch (const EScriptError& error) {
+            throw EScriptError(error.ExitCode(), Format("%d: %s", {statement.Line, error.what()}));
+        }
+    }
+}
+
+void TScript::Run(const TStatement& statement) {
+    const TVerb& verb = TTables::FindVerb(statement.Verb);
+    if (statement.Args.size() < verb.Least || statement.Args.size() > verb.Most)
+        Misuse(Format("usage: %s %s", {verb.Name, verb.Args}));
+    const bool takesBlock = verb.Name == "file" || verb.Name == "expect";
+    if (statement.HasBlock && !takesBlock) Misuse(Format("%s takes no block", {verb.Name}));
+    try {
+        verb.Run(*this, statement);
+    } catch (const EScriptError&) {
+        throw;
+    } catch (const EConvertError& error) {
+        Misuse(error.what());
+    } catch (const EFileError& error) {
+        throw EScriptError(ExitIO, error.what());
+    } catch (const fs::filesystem_error& error) {
+        throw EScriptError(ExitIO, error.what());
+    } catch (const std::exception& error) {
+        Refuse(error.what());
+    }
+}
+
+std::string TScript::Print(const TArgs& args) {
+    const TTopic& topic = TTables::FindTopic(args[0]);
+    if (args.size() - 1 > topic.Most)
+        Misuse(Format("usage: print %s %s", {topic.Name, topic.Args}));
+    return topic.Print(*this, {args.begin() + 1, args.end()});
+}
+
+fs::path TScript::FileOf(std::string_view name) const {
+    const fs::path scratch = FScratch / name;
+    return fs::exists(scratch) ? scratch : FFolder / name;
+}
+
+void TScript::NoteOriginal() {
+    if (TSourceBuffer* const buffer = FSession.Ide().CurrentBuffer())
+        FOriginals.try_emplace(buffer->FileName(), buffer->Text().Text());
+}
+
+std::pair<int, int> TScript::Rows(const TArgs& args, std::size_t index) {
+    const TEditText& text = CurrentView(FSession).Buffer().Text();
+    if (index < args.size()) {
+        const auto rows = ParseRows(args[index]);
+        CheckPlace(text, {rows.second, 1});
+        return rows;
+    }
+    // Behind a final line break there is no line to show.
+    const int last = text.LineCount();
+    return {1, last > 1 && text.LineLength(last) == 0 ? last - 1 : last};
+}
+
+} // namespace tarn

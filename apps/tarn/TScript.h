@@ -1,0 +1,53 @@
+#pragma once
+
+#include "ScriptSource.h"
+#include "TSession.h"
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+
+namespace tarn {
+
+/// Plays scripts of IDE actions and prints what a user would see.
+class TScript {
+public:
+    using TOutput = std::function<void(std::string_view text)>;
+
+    /// \param folder where the names of a script's files are looked up
+    /// \param output takes what the script prints, in whole lines
+    TScript(std::filesystem::path folder, TOutput output);
+    TScript(const TScript&) = delete;
+    TScript& operator=(const TScript&) = delete;
+    ~TScript(); ///< removes the scratch folder
+
+    /// Plays the text to its end. Raises EScriptError "LINE: text" at the first statement that
+    /// fails.
+    void Play(std::string_view text);
+
+    /// What each verb and each topic of print does, for the help of the command line.
+    static std::string Help();
+
+private:
+    struct TVerb;
+    struct TTopic;
+    struct TTables;
+
+    void Run(const TStatement& statement);
+    std::string Print(const std::vector<std::string>& args);
+    std::filesystem::path FileOf(std::string_view name) const;
+    void NoteOriginal();
+    /// The first and last row of "A-B", of "A", or of the whole text when the argument is missing.
+    std::pair<int, int> Rows(const std::vector<std::string>& args, std::size_t index);
+
+    TSession FSession;
+    std::filesystem::path FFolder;
+    std::filesystem::path FScratch;
+    TOutput FOutput;
+    std::map<std::string, std::string> FOriginals; ///< the texts as they were opened, by file
+    std::size_t FDialogsSeen = 0;
+    int FBeepsSeen = 0;
+};
+
+} // namespace tarn

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "TIde.h"
+#include "os/portable/TPortableOS.h"
+#include "qsErrorLog.h"
+#include "qsExpMng.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+/// An embedded IDE of its own with the pack in it: what the commands of the program and a script
+/// drive.
+class TSession {
+public:
+    TSession();
+    TSession(const TSession&) = delete;
+    TSession& operator=(const TSession&) = delete;
+    ~TSession();
+
+    TPortableOS& OS() { return FOS; }
+    TIde& Ide() { return *FIde; }
+
+    /// Loads the pack into the IDE; false when it failed, which the IDE has shown then.
+    bool StartPack();
+    /// Unloads the pack. Its traces are kept, see Traces.
+    void StopPack();
+    bool PackRuns() const { return TExpManager::Instance() != nullptr; }
+    /// The life-cycle traces: of the pack that runs, or as they were when it was unloaded.
+    TErrorLogState Traces() const { return FTraces ? *FTraces : ErrorLog(); }
+
+    /// The key of a text such as "Ctrl+.", named as on a US keyboard whatever layout is active; 0
+    /// when it is none.
+    TShortCut KeyOf(std::string_view text) const;
+
+    /// A menu item by the identifier of a command of the pack, by its component name, or by its
+    /// captions from the top with "|" between them; null when there is none.
+    TMenuItem* FindMenuItem(std::string_view name);
+    /// The identifiers of the commands in the pack's menu, in its order.
+    std::vector<std::string> CommandIDs();
+    /// The main menu, one line an item; the pack's menu with all its items, the others with theirs
+    /// when `all` is set.
+    std::string MenuText(bool all);
+
+private:
+    TPortableOS FOS;
+    TOperatingSystem* FFormerOS;
+    std::optional<TIde> FIde;
+    std::map<std::string, TVirtualKey, std::less<>> FKeys;
+    std::optional<TErrorLogState> FTraces;
+};
+
+/// The source view in front. Raises EScriptError when no file is open.
+TSourceView& CurrentView(TSession& session);
+
+} // namespace tarn
