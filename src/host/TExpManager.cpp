@@ -77,23 +77,23 @@ std::span<const TExpManager::TStartUpStep> TExpManager::StartUpSteps() {
 
 TExpManager::TExpManager() = default;
 
-bool TExpManager::StartUp() {
+void TExpManager::StartUp() {
     ErrorLog().ClearTraces();
     ErrorLog().ConstructorTrace = "0";
-    FState = msStarting;
-    try {
-        for (const TStartUpStep& step : StartUpSteps()) {
-            (this->*step.Run)();
-            ErrorLog().ConstructorTrace += step.Marks;
-        }
-        FState = msRunning;
-        return true;
-    } catch (...) {
-        // The log's handler is still in place and the trace tells how far it got.
-        Application()->HandleException(this);
+    FState = msSettingUp;
+    // What a former start left behind would come back as commands without an expert.
+    if (HasExpData()) RecreateExpData();
+    for (const TStartUpStep& step : StartUpSteps()) {
+        (this->*step.Run)();
+        ErrorLog().ConstructorTrace += step.Marks;
     }
+    FState = msRunning;
+}
+
+void TExpManager::AbandonStart() {
+    // The log's handler is still in place and the trace tells how far it got.
+    Application()->HandleException(this);
     ShutDown(false);
-    return false;
 }
 
 void TExpManager::ProcessLocalization() {
@@ -125,7 +125,7 @@ void TExpManager::SetExpertVersion() {
 }
 
 void TExpManager::PostBuildMenu() {
-    OS().PostMessage(MessageWindow(), CM_BUILDMENU, 0, 0);
+    Post(CM_BUILDMENU);
 }
 
 void TExpManager::Publish() {
@@ -157,8 +157,12 @@ std::span<const TExpManager::TShutDownStep> TExpManager::ShutDownSteps() {
     return steps;
 }
 
+void TExpManager::Destroyed() {
+    if (FState == msSettingUp || FState == msRunning) ShutDown(FState == msRunning);
+}
+
 TExpManager::~TExpManager() {
-    if (FState == msRunning) ShutDown(true);
+    TExpManager::Destroyed();
 }
 
 void TExpManager::ShutDown(bool save) noexcept {
@@ -210,7 +214,13 @@ void TExpManager::SaveLocalization() {
 
 // --- Messages, keyboard layout, active form ---------------------------------------------------
 
+void TExpManager::Post(std::uint32_t message) {
+    if (FMessageWindow) OS().PostMessage(FMessageWindow->Handle(), message, 0, 0);
+}
+
 void TExpManager::WndProc(TMessage& message) {
+    // The IDE may let the wizard go while a rebuild handles messages.
+    const TIntf<IOTAWizard> alive(this);
     switch (message.Msg) {
     case CM_APPLYSETTINGS:
         ApplySettings();
@@ -234,7 +244,7 @@ void TExpManager::SetEngLayout() {
 }
 
 void TExpManager::SetActiveLayout() {
-    OS().PostMessage(MessageWindow(), CM_RESTORELAYOUT, 0, 0);
+    Post(CM_RESTORELAYOUT);
 }
 
 void TExpManager::RestoreLayout() {
@@ -260,13 +270,11 @@ void TExpManager::FormChange(TObject* sender) {
 // --- The error log's handler ------------------------------------------------------------------
 
 void TExpManager::HookException() {
-    if (std::exchange(FExceptionHooked, true)) return;
     FPrevOnException = Application()->OnException;
     Application()->OnException = TExceptionEvent::Of<&TExpManager::AppErrorLogData>(this);
 }
 
 void TExpManager::UnHookException() {
-    if (!std::exchange(FExceptionHooked, false)) return;
     Application()->OnException = std::exchange(FPrevOnException, {});
 }
 

@@ -32,23 +32,28 @@ public:
 };
 
 /// The heart of the pack: owns the experts, their settings, the settings editor and the menu, and
-/// is the wizard that the IDE holds. It lives from Register until the IDE lets the wizard go:
+/// is the wizard that the IDE holds. It runs from Register until the IDE lets the wizard go:
 ///
-///     made -> StartUp -> running -> ShutDown -> gone
-///                 \-> failed: what exists is torn down, nothing is saved or registered
+///     made -> setting up <-> running -> down
+///
+/// Start-up and every re-creation set up the experts and their settings. Whoever is taken down
+/// before that is done saves nothing: half the settings must not replace the stored ones.
 class TExpManager : public TNotifierObject<IOTAWizard> {
 public:
     static const TClassRecord ClassRecord;
     const TClassRecord& ClassType() const override { return ClassRecord; }
 
     TExpManager();
-    /// Shuts down in the order of ShutDown; errors go to the application, none gets out.
+    /// Shuts down, unless Destroyed has done so.
     ~TExpManager() override;
 
-    /// The whole start-up. An error of one of its steps goes to the application's exception
-    /// handler, everything made so far is torn down, and the result is false.
-    bool StartUp();
-    /// The manager of the process while it runs; null otherwise.
+    /// The whole start-up. An error of one of its steps passes on, with everything made so far in
+    /// place; AbandonStart is to follow.
+    void StartUp();
+    /// To be called while an error of the start is being handled: hands it to the application's
+    /// exception handler, then takes down what exists and saves nothing.
+    void AbandonStart();
+    /// The manager of the process, from the end of its start-up to its shut-down; null otherwise.
     static TExpManager* Instance();
 
     // IOTAWizard
@@ -56,9 +61,12 @@ public:
     std::string GetName() override;
     TWizardState GetState() override;
     void Execute() override {}
+    /// The IDE lets the wizard go: shuts down. Errors go to the application, none gets out.
+    void Destroyed() override;
     std::string GetMenuText() { return "Test ..."; } ///< used by no menu
 
     // The experts
+    /// Lists the expert, which the manager then owns, unless it is listed already.
     void RegisterExpObject(TCustomExpert* expert, std::string_view name);
     void CreateExpObjects();
     void InitExperts();
@@ -88,7 +96,9 @@ public:
     /// cannot be deleted.
     void LoadDefaultSettings(TObject* sender);
     void ShowAbout(TObject* sender);
-    void ApplySettings();   ///< rebuilds the menu
+    /// Rebuilds the menu, handling posted messages before and after. Asked for during a rebuild,
+    /// it is done after that one.
+    void ApplySettings();
     void DoApplySettings(); ///< posts ApplySettings, for after the current command
 
     // The menu
@@ -118,7 +128,8 @@ public:
 
     void WndProc(TMessage& message);
 
-    // The error log's place before the application's exception handler
+    // The error log's place before the application's exception handler. The settings' switch takes
+    // and leaves it by turns.
     void HookException();
     void UnHookException();
     void AppErrorLogData(TObject* sender, const std::exception& error);
@@ -169,6 +180,7 @@ private:
 
     TExpMenuItemData* GetItemData(std::string_view itemID);
     void ForEachExpert(const std::function<void(ICustomExpert&)>& visit);
+    void Post(std::uint32_t message);
     void BuildMenu();
     void RestoreLayout();
     void DisconnectExperts();
@@ -176,13 +188,12 @@ private:
     TAction* NewAction(std::string_view caption, TActionList* actionList, TActions& actions);
     static void FreeActions(TActions& actions);
 
-    enum TState : std::uint8_t { msMade, msStarting, msRunning, msDown };
+    enum TState : std::uint8_t { msMade, msSettingUp, msRunning, msDown };
     TState FState = msMade;
     HKL FSavedKeyboardLayout = 0;
     bool FLayoutOwed = false; ///< SavedKeyboardLayout holds a layout that must be given back
     std::unique_ptr<TMessageWindow> FMessageWindow;
     TExceptionEvent FPrevOnException;
-    bool FExceptionHooked = false;
     bool FLayoutPending = false;
     TNotifyEvent FPrevOnActiveFormChange;
     bool FFormChangeHooked = false;
@@ -201,7 +212,7 @@ private:
     std::vector<TExecProc> FExecProcs;
     int FItemCounter = 0;
     bool FRebuilding = false;
-    bool FRebuildAgain = false;
+    bool FRebuildAgain = false; ///< asked for during a rebuild
 };
 
 /// Runs a procedure of an expert through the manager, for an expert's own windows and key handlers;

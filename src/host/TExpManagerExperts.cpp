@@ -41,8 +41,8 @@ void TExpManager::CreateExpObjects() {
 
 void TExpManager::ForEachExpert(const std::function<void(ICustomExpert&)>& visit) {
     for (int i = 0; FExpObjects && i < FExpObjects->Count(); ++i)
-        if (auto* const expert = ObjectInterface<ICustomExpert>(*FExpObjects->Get(i).Expert))
-            visit(*expert);
+        if (TCustomExpert* const object = FExpObjects->Get(i).Expert.Get())
+            if (auto* const expert = ObjectInterface<ICustomExpert>(*object)) visit(*expert);
 }
 
 TExpMenuItemData* TExpManager::GetItemData(std::string_view itemID) {
@@ -72,20 +72,22 @@ void TExpManager::DeleteExpObjects() {
     if (!FExpObjects) return;
     DisconnectExperts();
     std::exception_ptr first;
-    for (int i = FExpObjects->Count() - 1; i >= 0; --i) {
-        const TExpObjectInfo& info = FExpObjects->Get(i);
+    while (FExpObjects->Count() > 0) {
+        // The entry goes first: nobody is to visit an expert that is about to go.
+        const TExpObjectInfo info = FExpObjects->Get(FExpObjects->Count() - 1);
+        FExpObjects->Delete(FExpObjects->Count() - 1);
         try {
-            FreeObject(info.Expert);
+            FreeObject(info.Expert.Get());
         } catch (...) {
             if (!first) first = std::current_exception();
         }
         PrependName(ErrorLog().DeletedExperts, info.Name);
     }
-    FExpObjects->Clear();
     if (first) std::rethrow_exception(first);
 }
 
 void TExpManager::RecreateExperts() {
+    FState = msSettingUp;
     // The old object gives the exception handler back before the new one takes it.
     FreeData();
     CreateData();
@@ -98,6 +100,7 @@ void TExpManager::RecreateExperts() {
     CreateExpObjects();
     InitExperts();
     LocalizeEditor();
+    FState = msRunning;
 }
 
 namespace {

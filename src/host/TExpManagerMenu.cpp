@@ -1,6 +1,7 @@
 // The pack's menu: building it, tearing it down and dispatching its commands.
 
 #include "TExpManager.h"
+#include "TFinally.h"
 #include "qsExpMng.h"
 #include "qsLocale.h"
 #include "vcl/Forms.h"
@@ -77,8 +78,10 @@ void TExpManager::AddMMenuItems() {
     if (!FTopItem || !FActions || !actionList) return;
     FItemCounter = 1;
     TExpMenuData& menu = ExpData().MenuData;
-    FExecProcs.resize(static_cast<std::size_t>(menu.Count()));
-    for (int i = 0; i < menu.Count(); ++i) {
+    // A command that an expert adds while it is told about another waits for the next build.
+    const int count = menu.Count();
+    FExecProcs.resize(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
         TExpMenuItemData* const data = menu.Get(i);
         if (data->HaveLineBefore) {
             auto* const line = new TExpMenuItem;
@@ -149,9 +152,8 @@ void TExpManager::CreateSettingSubMenu(TMenuItem* item) {
 // --- Tearing down -----------------------------------------------------------------------------
 
 void TExpManager::DeleteExpertMenu() {
-    delete FTopItem.Get();
-    delete FLineBeforeItem.Get();
-    delete FLineAfterItem.Get();
+    for (TWeak<TMenuItem>* item : {&FTopItem, &FLineBeforeItem, &FLineAfterItem})
+        delete item->Get();
     for (std::optional<TActions>* list : {&FSettingActions, &FLanguageActions, &FActions}) {
         if (*list) FreeActions(**list);
         list->reset();
@@ -184,28 +186,22 @@ void TExpManager::DisconnectExperts() {
         for (int i = 0; i < item.Count(); ++i) self(self, *item.Items(i));
     };
     if (FTopItem) disconnect(disconnect, *FTopItem);
+    if (!HasExpData()) return;
+    // A menu that is built before the new experts have set their handlers has none.
+    const TExpMenuData& menu = ExpData().MenuData;
+    for (int i = 0; i < menu.Count(); ++i)
+        for (TNotifyEvent* event : {&menu.Get(i)->OnExecute, &menu.Get(i)->OnUpdate})
+            if (foreign(*event)) *event = {};
 }
 
 // --- Rebuilding -------------------------------------------------------------------------------
 
-void TExpManager::BuildMenu() {
-    // A rebuild that is under way makes the menu anyway.
-    if (FRebuilding) return;
-    SetEngLayout();
-    try {
-        CreateExpertMenu();
-    } catch (...) {
-        SetActiveLayout();
-        throw;
-    }
-    SetActiveLayout();
-}
-
 void TExpManager::DoApplySettings() {
-    OS().PostMessage(MessageWindow(), CM_APPLYSETTINGS, 0, 0);
+    Post(CM_APPLYSETTINGS);
 }
 
-/// Marks a rebuild and gives the keyboard layout back at its end, whatever happens.
+/// Marks a rebuild. At its end, whatever happens, the keyboard layout is given back, and a rebuild
+/// that was asked for meanwhile is posted.
 class TExpManager::TRebuildGuard {
 public:
     explicit TRebuildGuard(TExpManager& manager) : FManager(manager) {
@@ -217,37 +213,47 @@ public:
     ~TRebuildGuard() {
         FManager.FRebuilding = false;
         FManager.SetActiveLayout();
+        if (std::exchange(FManager.FRebuildAgain, false)) FManager.DoApplySettings();
     }
 
 private:
     TExpManager& FManager;
 };
 
-void TExpManager::ApplySettings() {
-    // Messages are pumped below: a rebuild that is asked for meanwhile comes after this one.
-    FRebuildAgain = true;
+void TExpManager::BuildMenu() {
+    // A rebuild that is under way makes the menu anyway.
     if (FRebuilding) return;
     const TRebuildGuard guard(*this);
-    while (std::exchange(FRebuildAgain, false)) {
-        DeleteExpertMenu();
-        Application()->ProcessMessages();
-        // A restore that was posted before may just have been handled.
-        if (OS().GetKeyboardLayout() != LayoutUSEnglish) SetEngLayout();
-        CreateExpertMenu();
-        Application()->ProcessMessages();
+    CreateExpertMenu();
+}
+
+void TExpManager::ApplySettings() {
+    if (FRebuilding) {
+        FRebuildAgain = true;
+        return;
     }
+    const TRebuildGuard guard(*this);
+    DeleteExpertMenu();
+    Application()->ProcessMessages();
+    // One of the messages may have ended the pack.
+    if (FState == msDown) return;
+    // A restore that was posted before may just have been handled.
+    if (OS().GetKeyboardLayout() != LayoutUSEnglish) SetEngLayout();
+    CreateExpertMenu();
+    Application()->ProcessMessages();
 }
 
 // --- Running ----------------------------------------------------------------------------------
 
 void TExpManager::ExpMenuClick(TObject* sender) {
     if (!FLayoutPending) SetEngLayout();
+    // The layout is owed to the next change of the active form, whatever a handler raises.
+    const TFinally pending([this] { FLayoutPending = true; });
     if (auto* const item = ClassCast<TMenuItem>(sender))
         for (int i = item->Count() - 1; i >= 0; --i)
             if (auto* const child = ClassCast<TExpMenuItem>(item->Items(i));
                 child && child->OnMenuOpen)
                 child->OnMenuOpen(child);
-    FLayoutPending = true;
 }
 
 void TExpManager::CommonExpertExecProc(TObject* sender) {

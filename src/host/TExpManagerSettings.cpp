@@ -1,6 +1,7 @@
 // The manager's settings: loading, saving and the editor that shows them.
 
 #include "TExpManager.h"
+#include "TFinally.h"
 #include "qsDialogs.h"
 #include "qsExpMng.h"
 #include "qsLocale.h"
@@ -131,10 +132,18 @@ void TExpManager::ReCreateSpc(TObject*, TSpcObject& spc) {
     spc.Assign(&ExpData());
 }
 
+namespace {
+
+/// Shows the editor, whose window owns the message boxes until it is closed.
+bool ShowEditor(TExpertEditor& editor) {
+    const TFinally resetOwner([] { SetOwnerWnd(0); });
+    return editor.ShowTree(ExpData());
+}
+
+} // namespace
+
 void TExpManager::EditSettings2(TObject*) {
-    const bool changed = FEditor->ShowTree(ExpData());
-    SetOwnerWnd(0);
-    if (changed) DoRecreateExperts();
+    if (ShowEditor(*FEditor)) DoRecreateExperts();
 }
 
 } // namespace tarn

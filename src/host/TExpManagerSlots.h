@@ -18,6 +18,9 @@ struct TExpManagerSlots {
     /// the file could not be read.
     std::function<bool(TExpData& data, const std::string& fileName)> LoadExpData;
     std::function<void(TExpData& data, const std::string& fileName)> SaveExpData;
+    /// Gives the settings editor the routine that writes a settings object to a file; called when
+    /// the package is initialized.
+    std::function<void()> InstallSaveRoutine;
 
     /// Reads the language settings and loads the chosen language.
     std::function<void(TExpManager& manager)> ProcessLocalization;

@@ -8,9 +8,10 @@
 
 namespace tarn {
 
-/// A live expert under its registered name. The record does not own the expert.
+/// A live expert under its registered name. The record does not own the expert; the reference is
+/// null once it is gone, as after a constructor that fails when it has listed its object.
 struct TExpObjectInfo {
-    TCustomExpert* Expert = nullptr;
+    TWeak<TCustomExpert> Expert;
     std::string Name;
 };
 

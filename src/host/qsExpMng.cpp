@@ -36,6 +36,7 @@ void InitializeExpMng() {
     RecreateExpData();
     Package().Dir = ExtractFilePath(OS().GetModuleFileName());
     Package().SettingsName = "ExpData.spc";
+    if (ExpManagerSlots().InstallSaveRoutine) ExpManagerSlots().InstallSaveRoutine();
 }
 
 void FinalizeExpMng() {
@@ -48,9 +49,14 @@ void FinalizeExpMng() {
 }
 
 void Register() {
+    if (TExpManager::Instance()) return;
     const TIntf<TExpManager> manager(new TExpManager);
-    if (!manager->StartUp()) return;
-    RegisterPackageWizard(manager);
+    try {
+        manager->StartUp();
+        RegisterPackageWizard(manager);
+    } catch (...) {
+        manager->AbandonStart();
+    }
 }
 
 void CheckAddErrorLog(TObject* sender) {

@@ -10,7 +10,8 @@
 namespace tarn {
 
 /// Called by the IDE once the package is initialized: makes the manager and hands it to the IDE as
-/// a wizard.
+/// a wizard. An error goes to the application's exception handler, and there is no manager then.
+/// While there is one, a second call does nothing.
 void Register();
 
 /// The error log's entry for an expert that catches an error itself; to be called while the

@@ -164,7 +164,6 @@ TEST_F(ModulesTest, FormsAreNamedByTheirFile) {
         EXPECT_EQ(intf->GetFormDesigner()->GetRoot(), intf->GetForm());
     }
 
-    OpenText("", "A.pas");
     const std::string unit = Write("Gone.pas", "");
     Write("Gone.dfm", "");
     TFormEditor* const editor = Ide->Modules().OpenFile(unit).FormEditor();

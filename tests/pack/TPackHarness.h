@@ -18,8 +18,11 @@ namespace tarn {
 
 /// What happened, in order; the recording parts of the harness write into it.
 inline std::vector<std::string> Events;
+/// What to add to each event, when it is set.
+inline std::function<std::string()> EventSuffix;
 
 inline void Log(std::string event) {
+    if (EventSuffix) event += EventSuffix();
     Events.push_back(std::move(event));
 }
 
@@ -46,6 +49,9 @@ public:
         if (Recording) Log(Format("layout %x", {layout}));
         TPortableOS::ActivateKeyboardLayout(layout);
     }
+    std::intptr_t DefWindowProc(const TMessage& message) override {
+        return static_cast<std::intptr_t>(message.Msg) + message.WParam;
+    }
     bool Recording = false;
 };
 
@@ -69,6 +75,7 @@ public:
         data->ShortCutText = "Ctrl+;";
         data->OnExecute = TNotifyEvent::Of<&TTestExpert::Run>(this);
         data->OnUpdate = TNotifyEvent::Of<&TTestExpert::Update>(this);
+        GetItemData = getItemData;
     }
     void Load(bool loaded) override {
         Log(FName + (loaded ? ".Load(true)" : ".Load(false)"));
@@ -76,14 +83,23 @@ public:
     }
     void MenuNotification(TMenuItem* item, TExpMenuItemData* data) override {
         Log(FName + ".MenuNotification " + data->ItemID + " " + item->Name());
+        if (OnNotify) OnNotify();
+        Fail("MenuNotification");
     }
-    void Run(TObject*) {
+    void Run(TObject* sender) {
         Log(FName + ".Run");
+        Sender = sender;
         Fail("Run");
     }
-    void Update(TObject*) { Log(FName + ".Update"); }
+    void Update(TObject*) {
+        Log(FName + ".Update");
+        Fail("Update");
+    }
 
     static inline std::string FailIn;
+    static inline const TObject* Sender = nullptr; ///< of the last Run
+    static inline std::function<void()> OnNotify;  ///< called in every MenuNotification
+    static inline TGetItemData GetItemData;        ///< as the last Init was given it
 
 private:
     void Fail(std::string_view where) const {
@@ -133,7 +149,9 @@ public:
         SetIDEServices(TIntf<IInterface>(static_cast<INTAServices*>(new TServices(*this))));
         ExpManagerSlots() = {};
         TTestExpert::FailIn.clear();
+        TTestExpert::OnNotify = nullptr;
         Events.clear();
+        EventSuffix = nullptr;
     }
     ~TSmallIDE() {
         Unload();
@@ -146,12 +164,12 @@ public:
         std::filesystem::remove_all(Dir);
     }
 
-    /// Initializes the package with experts A (slot 1) and B (slot 7).
+    /// Initializes the package with experts A (slot 1) and B (slot 7, captioned by a string).
     void Initialize() {
         InitializeExpMng();
         Initialized = true;
         RegisterExpClass(TExpertClass::Of<TTestExpert>(), 1, "ExpertA", -1);
-        RegisterExpClass(TExpertClass::Of<TOtherExpert>(), 7, "ExpertB", -1);
+        RegisterExpClass(TExpertClass::Of<TOtherExpert>(), 7, "ExpertB", 51140);
     }
     /// Initializes and registers; the menu is not built yet.
     TExpManager* Start() {
@@ -160,7 +178,9 @@ public:
         return TExpManager::Instance();
     }
     /// The IDE lets the wizards go.
-    void Stop() { Wizards.clear(); }
+    void Stop() {
+        for (const TIntf<IOTAWizard>& wizard : std::exchange(Wizards, {})) wizard->Destroyed();
+    }
     void Unload() {
         Stop();
         if (std::exchange(Initialized, false)) FinalizeExpMng();

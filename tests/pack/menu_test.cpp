@@ -93,6 +93,11 @@ TEST(Menu, ItemsNamesAndSubmenu) {
     TSmallIDE ide;
     ide.Start();
     ExpData().MenuData.Get(0)->HaveLineBefore = true;
+    // The experts are told before the manager, which brings the submenu.
+    TTestExpert::OnNotify = [] {
+        const TMenuItem& top = *TExpManager::Instance()->TopItem();
+        EXPECT_EQ(top.Items(top.Count() - 1)->Count(), 0);
+    };
     ide.App->ProcessMessages();
     EXPECT_EQ(ide.MenuText(), "&File\n"
                               "&Edit\n"
@@ -110,8 +115,8 @@ TEST(Menu, ItemsNamesAndSubmenu) {
                               "&Tools\n"
                               "  &Options...\n"
                               "&Help\n");
-    const TExpManager& manager = *TExpManager::Instance();
-    const TMenuItem& settings = *manager.TopItem()->Items(4);
+    TExpManager& manager = *TExpManager::Instance();
+    TMenuItem& settings = *manager.TopItem()->Items(4);
     EXPECT_EQ(settings.AutoHotkeys(), maManual);
     EXPECT_EQ(settings.ImageIndex(), -1);
     EXPECT_EQ(settings.Items(0)->ImageIndex(), 36);
@@ -119,6 +124,10 @@ TEST(Menu, ItemsNamesAndSubmenu) {
     EXPECT_FALSE(settings.RadioItem() || settings.Items(2)->RadioItem());
     EXPECT_EQ(manager.TopItem()->Items(5)->ImageIndex(), 50);
     EXPECT_EQ(manager.LanguageItem(), settings.Items(3));
+    EXPECT_EQ(ide.Actions->ActionCount(), 6);
+    // Made again, the submenu replaces itself.
+    manager.CreateSettingSubMenu(&settings);
+    EXPECT_EQ(settings.Count(), 4);
     EXPECT_EQ(ide.Actions->ActionCount(), 6);
 }
 
@@ -130,7 +139,9 @@ TEST(Menu, DispatchFindsTheProcedure) {
     TakeEvents();
     item.Click();
     manager.CommonExpertExecProc(&item);
+    EXPECT_EQ(TTestExpert::Sender, &item);
     manager.CommonExpertExecProc(item.Action());
+    EXPECT_EQ(TTestExpert::Sender, item.Action());
     manager.CommonExpertExecProc(nullptr);
     manager.CommonExpertExecProc(manager.TopItem());
     EXPECT_EQ(TakeEvents(), (TStrs{"B.Update", "B.Run", "B.Run", "B.Run"}));
@@ -182,6 +193,60 @@ TEST(Menu, RebuildWhileARebuildPumpsMessages) {
     EXPECT_EQ(ide.Actions->ActionCount(), 6);
     ide.App->ProcessMessages();
     EXPECT_EQ(Outline(ide), "File Edit [pack] Tools(Options...) Help");
+}
+
+TEST(Menu, ExpertsMayDoAnythingWhenToldOfAnItem) {
+    TSmallIDE ide;
+    TExpManager& manager = *ide.Start();
+    bool first = true;
+    TTestExpert::OnNotify = [&] {
+        if (!std::exchange(first, false)) return;
+        // A new command, and a rebuild that is handled at once.
+        TTestExpert::GetItemData("Late")->Caption = "Late";
+        manager.DoApplySettings();
+        ide.App->ProcessMessages();
+    };
+    ide.OS.SendMessage(manager.MessageWindow(), CM_BUILDMENU, 0, 0);
+    EXPECT_EQ(manager.TopItem()->Count(), 5);
+    ide.App->ProcessMessages();
+    EXPECT_EQ(Outline(ide), "File Edit [pack] Tools(Options...) Help");
+    EXPECT_EQ(manager.TopItem()->Count(), 6);
+    EXPECT_EQ(manager.TopItem()->Items(5)->Caption(), "Late");
+    EXPECT_EQ(ide.Actions->ActionCount(), 7);
+}
+
+TEST(Menu, FailureWhileBuildingOrOpening) {
+    constexpr HKL russian = 0x419;
+    TSmallIDE ide;
+    ide.OS.ActivateKeyboardLayout(russian);
+    TExpManager& manager = *ide.Start();
+    TTestExpert::FailIn = "B.MenuNotification";
+    for (const bool rebuild : {false, true}) {
+        if (rebuild) manager.DoApplySettings();
+        ide.App->ProcessMessages();
+        EXPECT_EQ(ide.LastDialog(), "MenuNotification failed in B");
+        EXPECT_EQ(ide.OS.GetKeyboardLayout(), russian);
+        EXPECT_EQ(Outline(ide), "File Edit [pack] Tools(Options...) Help");
+    }
+    TTestExpert::FailIn.clear();
+    manager.DoApplySettings();
+    ide.App->ProcessMessages();
+    EXPECT_EQ(manager.TopItem()->Count(), 5);
+    EXPECT_EQ(ide.Actions->ActionCount(), 6);
+
+    const auto fail = [](TObject*) { throw Exception("no"); };
+    static_cast<TExpMenuItem*>(manager.TopItem()->Items(0))->OnMenuOpen =
+        TNotifyEvent::Calling(fail);
+    EXPECT_THROW(manager.TopItem()->Click(), Exception);
+    ide.Main->Show();
+    ide.App->ProcessMessages();
+    EXPECT_EQ(ide.OS.GetKeyboardLayout(), russian);
+
+    // What a command raises passes on to whoever ran it.
+    for (const std::string where : {"A.Run", "A.Update"}) {
+        TTestExpert::FailIn = where;
+        EXPECT_THROW(manager.TopItem()->Items(0)->Click(), Exception);
+    }
 }
 
 TEST(Menu, TheIDEMayFreeTheMenuFirst) {

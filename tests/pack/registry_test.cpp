@@ -1,6 +1,8 @@
 // The registry of expert classes, the list of live experts, the settings data.
 
+#include "Package.h"
 #include "TPackHarness.h"
+#include "qsExpShrForm.h"
 
 namespace tarn {
 namespace {
@@ -51,6 +53,63 @@ TEST(ExpertRegistry, Refusals) {
     EXPECT_EQ(ExpertSlot(100)->Caption(), "experta");
 }
 
+TEST(Package, RegistersTheExpertsInTheirSlots) {
+    const struct {
+        int Slot;
+        std::string_view Class, Name, Caption, Stored, Template;
+    } experts[] = {
+        {1, "TViewFormMng", "FormUnitView", "Project forms/units preview", "FormUnitViewData",
+         "[TViewFormMng]"},
+        {2, "TInspectorViewMng", "InspectorFormView", "Manager of the open windows",
+         "InspectorFormViewData", "[TInspectorViewMng]"},
+        {3, "TCPUFormMng", "CPUView", "CPU window data scan", "CPUViewData", "[TCPUFormMng]"},
+        {4, "TBlockMng", "EditorManager", "Unit editor expert", "EditorManagerData", "[TBlockMng]"},
+        {5, "TUnitManager", "UnitManager", "Manager of the open units", "UnitManagerData",
+         "[TUnitManager]"},
+    };
+    TSmallIDE ide;
+    InitializePackage();
+    InitializePackage(); // counted
+    FinalizePackage();
+    Register();
+    ASSERT_NE(TExpManager::Instance(), nullptr);
+    EXPECT_EQ(ExpData().ActiveExperts.Count(), 5);
+    EXPECT_EQ(TExpManager::Instance()->ExpObjects()->Count(), 5);
+    EXPECT_EQ(ExpData().CustomData.Get(0)->AObjectID, "ExpManagerData");
+    std::size_t place = ExpData().LocalNames.size();
+    for (const auto& e : experts) {
+        ASSERT_NE(ExpertSlot(e.Slot), nullptr);
+        EXPECT_EQ(ExpertSlot(e.Slot)->ExpClass.Name(), e.Class);
+        EXPECT_EQ(ExpertSlot(e.Slot)->Name, e.Name);
+        TExpertInfo& info = *ExpData().ActiveExperts.Get(e.Slot - 1);
+        EXPECT_EQ(info.ExpertName, e.Name);
+        EXPECT_EQ(info.GetNodeName(), e.Caption);
+        EXPECT_TRUE(info.Active);
+        EXPECT_EQ(ExpData().CustomData.Get(e.Slot)->AObjectID, e.Stored);
+        // The captions of the newest expert stand first.
+        const std::size_t found = ExpData().LocalNames.find(e.Template);
+        EXPECT_LT(found, place) << e.Class;
+        place = found;
+    }
+    ide.Stop();
+    FinalizePackage();
+    EXPECT_FALSE(HasExpData());
+}
+
+TEST(Package, FailingUnitUndoesTheOthers) {
+    TSmallIDE ide;
+    ide.Initialize(); // slot 1 is taken
+    EXPECT_THROW(InitializePackage(), EExpMngError);
+    EXPECT_TRUE(HasExpData());
+    ide.Unload();
+    EXPECT_FALSE(HasExpData());
+    InitializePackage();
+    EXPECT_EQ(ExpertSlot(1)->Name, "FormUnitView");
+    EXPECT_EQ(ExpertSlot(5)->Name, "UnitManager");
+    FinalizePackage();
+    EXPECT_EQ(ExpertSlot(5), nullptr);
+}
+
 TEST(ExpObjectList, KeepsRecordsNotExperts) {
     TThirdExpert one;
     TThirdExpert two;
@@ -63,7 +122,7 @@ TEST(ExpObjectList, KeepsRecordsNotExperts) {
     EXPECT_EQ(list.IndexOf(&one), 0);
     list.Delete(0);
     EXPECT_EQ(list.IndexOf(&one), 1);
-    EXPECT_EQ(list.Get(0).Expert, &two);
+    EXPECT_EQ(list.Get(0).Expert.Get(), &two);
     EXPECT_THROW(list.Get(2), EListError);
     list.Clear();
     EXPECT_EQ(list.Count(), 0);
@@ -134,10 +193,83 @@ TEST(ExpData, AssignAndNodeNames) {
     EXPECT_FALSE(copy.NeedsTranslate() || item->NeedsTranslate() || item->NeedsIterate());
 }
 
+TEST(ExpData, DefaultsAndCopies) {
+    const TExpManagerData data;
+    EXPECT_EQ(data.ExpertVersion + "|" + data.MainMenuSearchItem, "1.0|Tools");
+    EXPECT_TRUE(data.AutoSaveSettings && data.InsertMenuBeforeItem && data.ErrorLogAllowed());
+    EXPECT_FALSE(data.MenuHaveLineBefore || data.MenuHaveLineAfter);
+    EXPECT_EQ(data.MaxLogSize(), 50u);
+
+    TExpertInfo info;
+    info.ExpertName = "Name";
+    info.ExpertNodeName = "Node";
+    info.Active = false;
+    TExpertInfo infoCopy;
+    infoCopy.Assign(&info);
+    EXPECT_EQ(infoCopy.ExpertName + "|" + infoCopy.ExpertNodeName, "Name|Node");
+    EXPECT_FALSE(infoCopy.Active);
+
+    TEditorFormData form;
+    EXPECT_EQ(form.SaveSettingShortCut, "Ctrl+S");
+    EXPECT_TRUE(form.AutoSaveSetting);
+    form.AutoSaveSetting = false;
+    form.SaveSettingShortCut = "Ctrl+Q";
+    form.Setting()->Add("line");
+    data.EditorFormData()->Assign(&form);
+    EXPECT_FALSE(data.EditorFormData()->AutoSaveSetting);
+    EXPECT_EQ(data.EditorFormData()->SaveSettingShortCut, "Ctrl+Q");
+    EXPECT_EQ(data.EditorFormData()->Setting()->GetTextStr(), "line\r\n");
+}
+
+TEST(SharedForm, TakesAndGivesItsPlacement) {
+    TSmallIDE ide;
+    TSharedManager expert;
+    EXPECT_EQ(expert.FormSetting()->SavePlacementShortCut, "Ctrl+S");
+    EXPECT_FALSE(expert.FormSetting()->AutoSavePlacement);
+    TFormSetting stored;
+    stored.AutoSavePlacement = true;
+    stored.FormPlacement = "1,2";
+    stored.SavePlacementShortCut = "Ctrl+P";
+    expert.SetFormSetting(&stored);
+    TSharedForm form(nullptr, &expert);
+    form.SetProperties();
+    EXPECT_EQ(form.SavePlacementAction().ShortCut(), scCtrl | 'P');
+    EXPECT_EQ(form.PlacementText, "1,2");
+    EXPECT_TRUE(form.AutoSavePlacement);
+    form.PlacementText = "3,4";
+    form.SavePlacementAction().Execute();
+    EXPECT_EQ(expert.FormSetting()->FormPlacement, "3,4");
+}
+
+TEST(ExpData, StoredValuesReachTheEditorAndTheListIsFilledOnce) {
+    TSmallIDE ide;
+    ide.WriteSettings("x");
+    ExpManagerSlots().LoadExpData = [](TExpData& data, const std::string&) {
+        auto* const own = ClassCast<TExpManagerData>(data.CustomData.Get(0)->NestedObject());
+        own->EditorFormData()->AutoSaveSetting = false;
+        return true;
+    };
+    TExpManager* const manager = ide.Start();
+    EXPECT_EQ(manager->Editor()->FormOptions, TSpcEditor::BaseFormOptions);
+    manager->FillPresentList();
+    EXPECT_EQ(ExpData().ActiveExperts.FindExpert("experta"), nullptr);
+    ASSERT_EQ(ExpData().ActiveExperts.Count(), 2);
+    EXPECT_EQ(ExpData().ActiveExperts.Get(1)->GetNodeName(), "Unit editor expert");
+}
+
 TEST(ExpData, EditorIsPreparedAndLocalized) {
     TSmallIDE ide;
     TExpManager* const manager = ide.Start();
-    const TExpertEditor& editor = *manager->Editor();
+    TExpertEditor& editor = *manager->Editor();
+    // The window's state is kept among the manager's settings, those of a re-creation too.
+    manager->RecreateExperts();
+    TStringList state;
+    state.SetTextStr("Left=1");
+    editor.WriteFormSetting("section", "ident", state);
+    EXPECT_EQ(manager->Data()->EditorFormData()->Setting()->GetTextStr(), "Left=1\r\n");
+    state.Clear();
+    editor.ReadFormSetting("section", "ident", state);
+    EXPECT_EQ(state.GetTextStr(), "Left=1\r\n");
     EXPECT_EQ(editor.Manager, manager);
     EXPECT_EQ(editor.SpcFileName(), PackageDir() + "ExpData.spc");
     EXPECT_EQ(editor.InvisibleProps.Count(), 8);

@@ -44,11 +44,16 @@ std::string Printable(std::string_view text) {
 TEST(Collation, Order) {
     // Each text stands before the next.
     constexpr std::string_view ascending[] = {
-        "",           " ",      "!",    "+",  "_", "_A", "~",  "\x7F",
+        "",           " ",      "!",
+        "+",          "_",      "_A",
+        "~",          "\x7F",
         "\u00AB", // an opening quotation mark of Latin text
         "\u2013", // a dash
         "\u20AC", // the euro sign
-        "0",          "10",     "2",    "2a", "9", "a",  "A ", "a_b",  "a1", "aa", "AB",
+        "0",          "10",     "2",
+        "2a",         "9",      "a",
+        "A ",         "a_b",    "a1",
+        "aa",         "AB",
         "\u00E4", // a with two dots: right behind the plain letter
         "\u00C4b",
         "\u0101", // a with a stroke above
@@ -63,8 +68,9 @@ TEST(Collation, Order) {
         "\u0436",     "\u044F",
         "\u3042", // other scripts by their code points
         "\U0001F600",
-        "\x80", // bytes that are no UTF-8
-        "\xC3",       "\xC3 ",  "\xFF",
+        "\x80",                                 // bytes that are no UTF-8
+        "\xC3",       "\xC3 ",  "\xED\xA0\x80", // half of a surrogate pair
+        "\xFF",
     };
     for (const std::string_view& a : ascending)
         for (const std::string_view& b : ascending)
@@ -155,6 +161,7 @@ std::vector<std::string> RandomTexts(std::size_t count) {
 TEST(Collation, IsAStrictWeakOrderAndAgreesWithItsKey) {
     const std::vector<std::string> texts = RandomTexts(150);
     std::vector<std::string> keys;
+    keys.reserve(texts.size());
     for (const std::string& text : texts) keys.push_back(AnsiTextKey(text));
     const std::size_t n = texts.size();
     std::vector<int> order(n * n);

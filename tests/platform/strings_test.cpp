@@ -90,6 +90,7 @@ TEST(Strings, CommaText) {
         {"\"a,\"\"b\"\" c\",d", {"a,\"b\" c", "d"}, "\"a,\"\"b\"\" c\",d"},
         {"\"a\"b", {"a", "b"}, "a,b"},
         {"\"open", {"open"}, "open"},
+        {std::string_view("\"a\"\"", 3), {"a"}, "a"}, // what follows the text is not looked at
         {"a\"b", {"a\"b"}, "\"a\"\"b\""},
         {"Russian=r.dll,English=e.dll",
          {"Russian=r.dll", "English=e.dll"},

@@ -11,56 +11,40 @@ int EndColumn(const TSourceView& view, int row) {
 
 // --- Keys that move the cursor ----------------------------------------------------------------
 
+using TCursorTarget = TTextPos (*)(const TSourceView& view, TTextPos cursor);
+
 struct TCursorKey {
     TShortCut Key;
-    TTextPos (*Target)(const TSourceView& view, TTextPos cursor);
-    int PageScroll = 0; ///< rows that the view moves along
+    int PageScroll; ///< rows that the view moves along
+    TCursorTarget Target;
 };
 
+constexpr int Page = TSourceView::Height;
+
+/// The place that is so many rows and columns away.
+template <int rows, int cols> TTextPos Away(const TSourceView&, TTextPos at) {
+    return {at.Row + rows, at.Col + cols};
+}
+TTextPos LineStart(const TSourceView&, TTextPos at) {
+    return {at.Row, 1};
+}
+TTextPos LineEnd(const TSourceView& view, TTextPos at) {
+    return {at.Row, EndColumn(view, at.Row)};
+}
+TTextPos TextStart(const TSourceView&, TTextPos) {
+    return {1, 1};
+}
+TTextPos TextEnd(const TSourceView& view, TTextPos) {
+    const int last = view.Buffer().Text().LineCount();
+    return {last, EndColumn(view, last)};
+}
+
 constexpr TCursorKey CursorKeys[] = {
-    {VK_LEFT,
-     [](const TSourceView&, TTextPos at) -> TTextPos {
-         return {at.Row, at.Col - 1};
-     }},
-    {VK_RIGHT,
-     [](const TSourceView&, TTextPos at) -> TTextPos {
-         return {at.Row, at.Col + 1};
-     }},
-    {VK_UP,
-     [](const TSourceView&, TTextPos at) -> TTextPos {
-         return {at.Row - 1, at.Col};
-     }},
-    {VK_DOWN,
-     [](const TSourceView&, TTextPos at) -> TTextPos {
-         return {at.Row + 1, at.Col};
-     }},
-    {VK_PRIOR,
-     [](const TSourceView&, TTextPos at) -> TTextPos {
-         return {at.Row - TSourceView::Height, at.Col};
-     },
-     -TSourceView::Height},
-    {VK_NEXT,
-     [](const TSourceView&, TTextPos at) -> TTextPos {
-         return {at.Row + TSourceView::Height, at.Col};
-     },
-     TSourceView::Height},
-    {VK_HOME,
-     [](const TSourceView&, TTextPos at) -> TTextPos {
-         return {at.Row, 1};
-     }},
-    {VK_END,
-     [](const TSourceView& view, TTextPos at) -> TTextPos {
-         return {at.Row, EndColumn(view, at.Row)};
-     }},
-    {scCtrl | VK_HOME,
-     [](const TSourceView&, TTextPos) -> TTextPos {
-         return {1, 1};
-     }},
-    {scCtrl | VK_END,
-     [](const TSourceView& view, TTextPos) -> TTextPos {
-         const int last = view.Buffer().Text().LineCount();
-         return {last, EndColumn(view, last)};
-     }},
+    {VK_LEFT, 0, Away<0, -1>},         {VK_RIGHT, 0, Away<0, 1>},
+    {VK_UP, 0, Away<-1, 0>},           {VK_DOWN, 0, Away<1, 0>},
+    {VK_PRIOR, -Page, Away<-Page, 0>}, {VK_NEXT, Page, Away<Page, 0>},
+    {VK_HOME, 0, LineStart},           {VK_END, 0, LineEnd},
+    {scCtrl | VK_HOME, 0, TextStart},  {scCtrl | VK_END, 0, TextEnd},
 };
 
 bool MoveByKey(TSourceView& view, TShortCut key) {

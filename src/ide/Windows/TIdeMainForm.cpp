@@ -192,7 +192,7 @@ TIdeMainForm::TIdeMainForm(TIde& ide)
         TMenuItem* const item = MakeItem(*this, ide, row);
         if (IsMenu(row))
             Menu->Items()->Add(top = item);
-        else
+        else if (top)
             top->Add(item);
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <type_traits>
+#include <utility>
 
 namespace tarn {
 
@@ -16,14 +17,14 @@ public:
     template <auto Member, class T> static TMethod Of(T* object) {
         static_assert(std::is_invocable_r_v<R, decltype(Member), T*, A...>);
         return TMethod(object, [](void* data, A... args) -> R {
-            return (static_cast<T*>(data)->*Member)(static_cast<A>(args)...);
+            return (static_cast<T*>(data)->*Member)(std::forward<A>(args)...);
         });
     }
 
     /// A function that belongs to no object.
     template <auto Function> static TMethod Of() {
         return TMethod(nullptr,
-                       [](void*, A... args) -> R { return Function(static_cast<A>(args)...); });
+                       [](void*, A... args) -> R { return Function(std::forward<A>(args)...); });
     }
 
     /// Anything callable that outlives the method pointer.
@@ -31,12 +32,12 @@ public:
         // The lambda restores the type, and with it the constness.
         void* const object = const_cast<std::remove_const_t<F>*>(&callable);
         return TMethod(object, [](void* data, A... args) -> R {
-            return (*static_cast<F*>(data))(static_cast<A>(args)...);
+            return (*static_cast<F*>(data))(std::forward<A>(args)...);
         });
     }
 
     explicit operator bool() const { return FCode != nullptr; }
-    R operator()(A... args) const { return FCode(FData, static_cast<A>(args)...); }
+    R operator()(A... args) const { return FCode(FData, std::forward<A>(args)...); }
 
     /// The object that the procedure is bound to; null for a plain function.
     void* Data() const { return FData; }

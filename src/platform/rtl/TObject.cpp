@@ -26,7 +26,9 @@ void FreeObject(TObject* object) {
     if (object) object->BeforeDestruction();
 }
 
-void DeleteObject(TObject* object) noexcept { delete object; }
+void DeleteObject(TObject* object) noexcept {
+    delete object;
+}
 
 TPersistent::~TPersistent() {
     while (FLinks) FLinks->Detach();
