@@ -13,6 +13,22 @@ bool EndsWithBreak(std::string_view text) {
     return text.ends_with('\n') || text.ends_with('\r');
 }
 
+void DropAddedBreak(std::string_view before, std::string& after) {
+    if (!EndsWithBreak(before) && EndsWithBreak(after))
+        after.resize(after.size() - LineBreak.size());
+}
+
+namespace {
+
+bool IsBlankLine(std::string_view line) {
+    // Most lines end with a visible character: one look tells, without a walk over the indent.
+    int first = 0;
+    return line.empty() ||
+           (static_cast<unsigned char>(line.back()) <= 32 && !SkipBlanks(line, first, 1));
+}
+
+} // namespace
+
 std::optional<TShiftedText> ShiftText(std::string_view text, int count, bool safe) {
     TShiftedText result;
     std::string& out = result.Text;
@@ -24,19 +40,25 @@ std::optional<TShiftedText> ShiftText(std::string_view text, int count, bool saf
     bool refused = false;
     bool topmost = true;
     ForEachLine(text, [&](std::string_view line) {
-        int first = 0;
-        if (refused || !SkipBlanks(line, first, 1)) {
-            out.append(line).append(LineBreak);
+        std::size_t spaces = 0;
+        if (!refused && !IsBlankLine(line)) {
+            while (spaces < wanted && line[spaces] == ' ') ++spaces;
+            refused = safe && spaces < wanted;
+            out.append(grow, ' ');
+            if (std::exchange(topmost, false))
+                result.Shift = static_cast<int>(grow) - static_cast<int>(spaces);
+        }
+        // A break that is CR LF already is copied along with its line.
+        const std::string_view rest =
+            text.substr(static_cast<std::size_t>(line.end() - text.begin()));
+        if (rest.starts_with(LineBreak)) {
+            out.append(line.data() + spaces, line.size() - spaces + LineBreak.size());
             return;
         }
-        const std::size_t spaces = std::min(line.find_first_not_of(' '), wanted);
-        refused = safe && spaces < wanted;
-        out.append(grow, ' ').append(line.substr(spaces)).append(LineBreak);
-        if (std::exchange(topmost, false))
-            result.Shift = static_cast<int>(grow) - static_cast<int>(spaces);
+        out.append(line.substr(spaces)).append(LineBreak);
     });
     if (refused) return std::nullopt;
-    if (!EndsWithBreak(text) && out.ends_with(LineBreak)) out.resize(out.size() - LineBreak.size());
+    DropAddedBreak(text, out);
     return result;
 }
 

@@ -10,6 +10,10 @@ namespace tarn {
 /// does not count. A lone CR or LF at the end does, so that no line break is lost.
 bool EndsWithBreak(std::string_view text);
 
+/// Takes the final CR LF off lines joined to `after` when the text that they were split from did
+/// not end with a break. By the quirk a single empty line, CR LF before and after, keeps its break.
+void DropAddedBreak(std::string_view before, std::string& after);
+
 /// A shifted text and the shift of its topmost line that is not blank, in columns; 0 when all lines
 /// are blank.
 struct TShiftedText {

@@ -26,17 +26,17 @@ template <void (TBlockMng::*Click)(TObject*)> TNotifyEvent Handler(TBlockMng* ex
 struct TBlockCommand {
     std::string_view ItemID;
     int CaptionId;
+    bool LineBefore;
     std::string_view ShortCutText;
     TNotifyEvent (*Click)(TBlockMng* expert);
-    bool LineBefore = false;
 };
 
 constexpr TBlockCommand Commands[] = {
-    {"MoveBlockLeftOneItem", 51044, "Ctrl+,", Handler<&TBlockMng::MoveBlockLeftOne>, true},
-    {"MoveBlockLeftTwoItem", 51045, "Ctrl+Shift+,", Handler<&TBlockMng::MoveBlockLeftTwo>},
-    {"MoveBlockRightOneItem", 51046, "Ctrl+.", Handler<&TBlockMng::MoveBlockRightOne>},
-    {"MoveBlockRightTwoItem", 51047, "Ctrl+Shift+.", Handler<&TBlockMng::MoveBlockRightTwo>},
-    {"SortLinesItem", 51048, "Ctrl+;", Handler<&TBlockMng::SortLines>},
+    {"MoveBlockLeftOneItem", 51044, true, "Ctrl+,", Handler<&TBlockMng::MoveBlockLeftOne>},
+    {"MoveBlockLeftTwoItem", 51045, false, "Ctrl+Shift+,", Handler<&TBlockMng::MoveBlockLeftTwo>},
+    {"MoveBlockRightOneItem", 51046, false, "Ctrl+.", Handler<&TBlockMng::MoveBlockRightOne>},
+    {"MoveBlockRightTwoItem", 51047, false, "Ctrl+Shift+.", Handler<&TBlockMng::MoveBlockRightTwo>},
+    {"SortLinesItem", 51048, false, "Ctrl+;", Handler<&TBlockMng::SortLines>},
 };
 
 } // namespace
@@ -155,13 +155,27 @@ int TakeSpacesBefore(IOTAEditView& view, TBlockRect& rect, int limit) {
     return skipped;
 }
 
-/// Puts the text in the place of the block, as it stands: automatic indents are off meanwhile.
+/// Switches automatic indents of a buffer off for as long as it lives, also when an insertion
+/// fails.
+class TIndentOff {
+public:
+    explicit TIndentOff(TIntf<IOTABufferOptions> options)
+        : FOptions(std::move(options)), FSaved(FOptions->GetAutoIndent()) {
+        FOptions->SetAutoIndent(false);
+    }
+    TIndentOff(const TIndentOff&) = delete;
+    TIndentOff& operator=(const TIndentOff&) = delete;
+    ~TIndentOff() { FOptions->SetAutoIndent(FSaved); }
+
+private:
+    TIntf<IOTABufferOptions> FOptions;
+    bool FSaved;
+};
+
+/// Puts the text in the place of the block, as it stands.
 void InsertText(IOTAEditView& view, std::string_view text) {
-    const auto options = view.GetBuffer()->GetBufferOptions();
-    const bool autoIndent = options->GetAutoIndent();
-    options->SetAutoIndent(false);
+    const TIndentOff indentOff(view.GetBuffer()->GetBufferOptions());
     view.GetPosition()->InsertText(text);
-    options->SetAutoIndent(autoIndent);
 }
 
 void InvalidateEditor() {
@@ -251,8 +265,7 @@ void TBlockMng::DoSortLines(IOTAEditView& view) {
         return;
     }
     std::string sorted = lines.GetTextStr();
-    if (!EndsWithBreak(text) && sorted.ends_with(LineBreak))
-        sorted.resize(sorted.size() - LineBreak.size());
+    DropAddedBreak(text, sorted);
     InsertText(view, sorted);
     InvalidateEditor();
     view.GetPosition()->Move(rect.StartRow, rect.StartCol + skipped);

@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds the release and the build with AddressSanitizer and
+# UndefinedBehaviorSanitizer, and runs all tests in both.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+source tools/setup.sh
+
+need g++ cmake ninja-build libcli11-dev libgtest-dev
+for preset in release debug; do
+    build "$preset" "$preset"
+    say "testing $preset"
+    ctest --preset "$preset" -j "$(nproc)"
+done
+say "all tests passed"
