@@ -3,6 +3,7 @@
 #include "Places.h"
 #include "ScriptSource.h"
 #include "TScript.h"
+#include "TTempFolder.h"
 
 #include <CLI/CLI.hpp>
 
@@ -10,7 +11,6 @@
 #include <filesystem>
 #include <iostream>
 #include <iterator>
-#include <stdlib.h>
 
 namespace tarn {
 namespace fs = std::filesystem;
@@ -34,38 +34,14 @@ std::string ReadFileText(const std::string& file) {
     return {bytes.data(), bytes.size()};
 }
 
-/// A folder of its own that goes with the object.
-class TTempFolder {
-public:
-    TTempFolder() {
-        std::string name = (fs::temp_directory_path() / "tarn-XXXXXX").string();
-        if (!::mkdtemp(name.data())) throw EScriptError(ExitIO, "cannot make a temporary folder");
-        FPath = name;
-    }
-    TTempFolder(const TTempFolder&) = delete;
-    TTempFolder& operator=(const TTempFolder&) = delete;
-    ~TTempFolder() {
-        std::error_code error;
-        fs::remove_all(FPath, error);
-    }
-    const fs::path& Path() const { return FPath; }
-
-private:
-    fs::path FPath;
-};
-
 /// A session in which the pack runs and its menu stands. Raises EScriptError with what the IDE has
 /// shown when the pack does not start.
 class TRunningPack : public TSession {
 public:
     TRunningPack() {
         if (!StartPack())
-            throw EScriptError(ExitRefused, "the pack does not start: " + LastDialog("no reason"));
+            throw EScriptError(ExitRefused, "the pack does not start: " + LastDialog());
         Ide().PumpMessages();
-    }
-
-    std::string LastDialog(std::string_view otherwise) {
-        return OS().Dialogs().empty() ? std::string(otherwise) : OS().Dialogs().back().Text;
     }
 };
 
@@ -78,19 +54,40 @@ TMenuItem& CommandItem(TSession& session, const std::string& id) {
     throw EScriptError(ExitUsage, "unknown command '" + id + "'; there are " + known);
 }
 
-void SelectFor(const TApplyRequest& request, TSourceView& view) {
-    const TEditText& text = view.Buffer().Text();
-    std::pair<TTextPos, TTextPos> range{{1, 1}, text.PosAt(text.Size())};
-    if (!request.Select.empty()) {
-        range = ParseRange(request.Select);
-        CheckPlace(text, range.first);
-        CheckPlace(text, range.second);
-    } else if (!request.Lines.empty()) {
-        const auto [first, last] = ParseRows(request.Lines);
-        range = WholeRows(text, first, last);
+/// The block that a request asks for. What is not written as it should be is wrong usage and found
+/// before the file is read; what is outside the file's text is found by Select.
+class TWantedBlock {
+public:
+    explicit TWantedBlock(const TApplyRequest& request) {
+        const auto parse = [](std::string_view option, const std::string& text, auto read) {
+            try {
+                if (!text.empty()) read(text);
+            } catch (const EScriptError& error) {
+                throw EScriptError(error.ExitCode(), Format("%s: %s", {option, error.what()}));
+            }
+        };
+        parse("--select", request.Select, [this](auto& text) { FRange = ParseRange(text); });
+        parse("--lines", request.Lines, [this](auto& text) { FRows = ParseRows(text); });
     }
-    view.Select(range.first, range.second);
-}
+
+    void Select(TSourceView& view) const {
+        const TEditText& text = view.Buffer().Text();
+        std::pair<TTextPos, TTextPos> range{{1, 1}, text.PosAt(text.Size())};
+        if (FRange) {
+            range = *FRange;
+            CheckPlace(text, range.first);
+            CheckPlace(text, range.second);
+        } else if (FRows)
+            range = WholeRows(text, FRows->first, FRows->second);
+        view.Select(range.first, range.second);
+    }
+
+private:
+    std::optional<std::pair<TTextPos, TTextPos>> FRange;
+    std::optional<std::pair<int, int>> FRows;
+};
+
+constexpr std::string_view StandardInputName = "<stdin>";
 
 } // namespace
 
@@ -103,7 +100,8 @@ void RunScript(const std::string& file) {
     } catch (const EScriptError& error) {
         std::fflush(stdout);
         throw EScriptError(error.ExitCode(),
-                           (standardInput ? "<stdin>" : file) + ":" + error.what());
+                           (standardInput ? std::string(StandardInputName) : file) + ":" +
+                               error.what());
     }
 }
 
@@ -111,6 +109,10 @@ std::optional<std::string> ApplyCommand(const TApplyRequest& request) {
     const bool standardInput = request.File == "-";
     if (standardInput && request.InPlace)
         throw EScriptError(ExitUsage, "standard input cannot be changed in place");
+    const TWantedBlock block(request);
+    TRunningPack session;
+    TMenuItem& item = CommandItem(session, request.Command);
+
     std::optional<TTempFolder> scratch;
     std::string file = request.File;
     if (standardInput) {
@@ -120,25 +122,23 @@ std::optional<std::string> ApplyCommand(const TApplyRequest& request) {
         const std::string_view chunk = text;
         SaveFile(file, {&chunk, 1});
     }
-
-    TRunningPack session;
-    TMenuItem& item = CommandItem(session, request.Command);
+    const std::string shownName = standardInput ? std::string(StandardInputName) : file;
     session.Ide().Modules().OpenFile(file);
     TSourceView& view = CurrentView(session);
-    const auto refuse = [&request](int row, const std::string& why) {
-        throw EScriptError(ExitRefused, Format("%s:%d: %s", {request.File, row, why}));
+    const auto refuse = [&shownName](int row, const std::string& why) {
+        throw EScriptError(ExitRefused, Format("%s:%d: %s", {shownName, row, why}));
     };
     try {
-        SelectFor(request, view);
+        block.Select(view);
     } catch (const EScriptError& error) {
-        throw EScriptError(error.ExitCode(), request.File + ": " + error.what());
+        throw EScriptError(error.ExitCode(), shownName + ": " + error.what());
     }
     const int row = view.BlockStart().Row;
     const std::size_t dialogs = session.OS().Dialogs().size();
     if (!session.Ide().ClickMenuItem(item))
         refuse(row, request.Command + " is not available for this selection");
     session.Ide().PumpMessages();
-    if (session.OS().Dialogs().size() > dialogs) refuse(row, session.LastDialog(""));
+    if (session.OS().Dialogs().size() > dialogs) refuse(row, session.LastDialog());
     if (session.OS().Beeps() > 0) refuse(row, request.Command + " refused the selection");
     if (request.InPlace) {
         view.Buffer().Save();

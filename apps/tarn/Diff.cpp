@@ -10,8 +10,10 @@ namespace {
 std::vector<std::string_view> SplitLines(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
-        std::size_t end = text.find('\n');
-        end = end == std::string_view::npos ? text.size() : end + 1;
+        const std::size_t found = text.find_first_of("\r\n");
+        std::size_t end = text.size();
+        if (found != std::string_view::npos)
+            end = found + (text.substr(found, 2) == "\r\n" ? 2 : 1);
         lines.push_back(text.substr(0, end));
         text.remove_prefix(end);
     }
@@ -47,6 +49,13 @@ public:
     }
 
 private:
+    /// The place of diagonal k, from -limit - 1 to limit + 1, in a list of how far each one
+    /// reaches.
+    static std::size_t IndexOf(int k, int limit) {
+        const int index = k + limit + 1;
+        return static_cast<std::size_t>(index);
+    }
+
     void Middle(std::size_t from, std::size_t endA, std::size_t endB) {
         const int n = static_cast<int>(endA - from);
         const int m = static_cast<int>(endB - from);
@@ -56,7 +65,7 @@ private:
         const auto b = [&](int y) { return FB[from + static_cast<std::size_t>(y)]; };
         std::vector<std::vector<int>> trace;
         std::vector<int> reach(static_cast<std::size_t>(2 * limit + 3), 0);
-        const auto at = [limit](int k) { return static_cast<std::size_t>(k + limit + 1); };
+        const auto at = [limit](int k) { return IndexOf(k, limit); };
         for (int d = 0; d <= limit; ++d) {
             for (int k = -d; k <= d; k += 2) {
                 const bool down = k == -d || (k != d && reach[at(k - 1)] < reach[at(k + 1)]);
@@ -77,7 +86,7 @@ private:
 
     void Backtrack(const std::vector<std::vector<int>>& trace, int x, int y, std::size_t from,
                    int limit) {
-        const auto at = [limit](int k) { return static_cast<std::size_t>(k + limit + 1); };
+        const auto at = [limit](int k) { return IndexOf(k, limit); };
         const auto lineA = [&](int i) { return FA[from + static_cast<std::size_t>(i)]; };
         const auto lineB = [&](int i) { return FB[from + static_cast<std::size_t>(i)]; };
         std::vector<TStep> reversed;
@@ -105,9 +114,8 @@ private:
 };
 
 void AppendLine(std::string& out, char mark, std::string_view line) {
-    const bool ended = line.ends_with('\n');
-    std::string_view text = ended ? line.substr(0, line.size() - 1) : line;
-    if (ended && text.ends_with('\r')) text.remove_suffix(1);
+    const std::string_view text = line.substr(0, line.find_first_of("\r\n"));
+    const bool ended = text.size() < line.size();
     out += mark;
     out += text;
     out += '\n';

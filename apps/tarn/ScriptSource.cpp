@@ -54,6 +54,30 @@ std::string ReadQuoted(std::string_view line, std::size_t& at) {
     throw EScriptError(ExitUsage, "missing \" at the end of a quoted word");
 }
 
+/// The size of the UTF-8 character that the text begins with; 0 when there is none.
+std::size_t Utf8Length(std::string_view text) {
+    constexpr struct {
+        unsigned char Mask, Lead;
+        std::uint32_t Least; ///< the lowest code that may be written in this length
+    } forms[] = {{0x80, 0x00, 0}, {0xE0, 0xC0, 0x80}, {0xF0, 0xE0, 0x800}, {0xF8, 0xF0, 0x10000}};
+    if (text.empty()) return 0;
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    std::size_t size = 0;
+    for (const auto& form : forms) {
+        ++size;
+        if ((byte(0) & form.Mask) != form.Lead) continue;
+        if (text.size() < size) return 0;
+        std::uint32_t code = byte(0) & static_cast<unsigned char>(~form.Mask);
+        for (std::size_t i = 1; i < size; ++i) {
+            if ((byte(i) & 0xC0) != 0x80) return 0;
+            code = code << 6 | (byte(i) & 0x3FU);
+        }
+        const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+        return code >= form.Least && code <= 0x10FFFF && !surrogate ? size : 0;
+    }
+    return 0;
+}
+
 } // namespace
 
 std::vector<std::string> SplitWords(std::string_view line) {
@@ -61,20 +85,28 @@ std::vector<std::string> SplitWords(std::string_view line) {
     for (std::size_t at = 0;;) {
         while (at < line.size() && IsBlank(line[at])) ++at;
         if (at >= line.size() || line[at] == '#') return words;
+        const std::size_t start = at;
         if (line[at] == '"') {
             words.push_back(ReadQuoted(line, at));
-            continue;
+        } else {
+            while (at < line.size() && !IsBlank(line[at]) && line[at] != '"') ++at;
+            words.emplace_back(line.substr(start, at - start));
         }
-        const std::size_t start = at;
-        while (at < line.size() && !IsBlank(line[at])) ++at;
-        words.emplace_back(line.substr(start, at - start));
+        if (at < line.size() && !IsBlank(line[at]))
+            throw EScriptError(ExitUsage, "words need a blank between them, at " +
+                                              std::string(line.substr(start)));
     }
 }
 
 std::string Escaped(std::string_view text) {
     std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
+    for (std::size_t i = 0; i < text.size();) {
+        if (const std::size_t size = Utf8Length(text.substr(i)); size > 1) {
+            result += text.substr(i, size);
+            i += size;
+            continue;
+        }
+        const char c = text[i++];
         if (c == '\n')
             result += "\\n";
         else if (c == '\r')
@@ -83,7 +115,7 @@ std::string Escaped(std::string_view text) {
             result += "\\t";
         else if (c == '\\' || c == '"')
             result.append({'\\', c});
-        else if (IsBlank(c) && c != ' ') {
+        else if (c < ' ' || c > '~') {
             std::array<char, 8> hex{};
             std::snprintf(hex.data(), hex.size(), "\\x%02X", static_cast<unsigned char>(c));
             result += hex.data();

@@ -33,7 +33,8 @@ struct TStatement {
 };
 
 /// Splits a line into words at blanks. A word in double quotes may hold blanks and the escapes \n,
-/// \r, \t, \\, \", \xHH. A "#" at the start of a word begins a comment. Raises EScriptError.
+/// \r, \t, \\, \", \xHH, and ends before a blank. A "#" at the start of a word begins a comment.
+/// Raises EScriptError.
 std::vector<std::string> SplitWords(std::string_view line);
 
 /// A text with its unprintable bytes as escapes, so that it fits one line: the inverse of a quoted

@@ -129,7 +129,11 @@ void SetSetting(std::string_view path, std::string_view value) {
         }
         if (!found) Refuse("'" + std::string(value) + "' is no value; there are " + names);
     } else if (type.Kind == tkInteger) {
-        number = StrToInt(value);
+        try {
+            number = StrToInt(value);
+        } catch (const EConvertError&) {
+            Refuse("'" + std::string(value) + "' is no whole number that fits");
+        }
         if (number < type.MinValue || number > type.MaxValue)
             Refuse(Format("%s is outside %d to %d", {value, type.MinValue, type.MaxValue}));
     } else

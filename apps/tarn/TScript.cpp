@@ -4,10 +4,10 @@
 #include "Places.h"
 #include "Settings.h"
 
-#include <atomic>
+#include <algorithm>
 #include <fstream>
+#include <initializer_list>
 #include <iterator>
-#include <unistd.h>
 
 namespace tarn {
 namespace fs = std::filesystem;
@@ -21,6 +21,19 @@ using TArgs = std::vector<std::string>;
 }
 [[noreturn]] void Misuse(const std::string& text) {
     throw EScriptError(ExitUsage, text);
+}
+
+/// Raises when one of the words behind the first `from` is none of those known.
+void CheckWords(const TArgs& args, std::size_t from,
+                std::initializer_list<std::string_view> known) {
+    for (std::size_t i = from; i < args.size(); ++i) {
+        const auto same = [&](std::string_view word) { return SameText(args[i], word); };
+        if (std::any_of(known.begin(), known.end(), same)) continue;
+        std::string names;
+        for (const std::string_view word : known)
+            names.append(names.empty() ? "" : ", ").append(word);
+        Misuse("unknown word '" + args[i] + "'; there are " + names);
+    }
 }
 
 bool HasWord(const TArgs& args, std::size_t from, std::string_view word) {
@@ -39,14 +52,6 @@ std::string Shown(std::string_view line) {
             text += c;
     }
     return text;
-}
-
-fs::path MakeScratch() {
-    static std::atomic<int> count = 0;
-    const fs::path folder =
-        fs::temp_directory_path() / Format("tarn-%d-%d", {static_cast<int>(::getpid()), ++count});
-    fs::create_directories(folder);
-    return folder;
 }
 
 std::string ReadAll(const fs::path& file) {
@@ -112,10 +117,11 @@ struct TScript::TTables {
 };
 
 const TScript::TVerb TScript::TTables::Verbs[] = {
-    {"start", "", "load the pack into the IDE", 0, 0,
+    {"start", "", "load the pack into the IDE; its menu is built at the next pump", 0, 0,
      [](TScript& s, const TStatement&) {
          if (s.FSession.PackRuns()) Refuse("the pack is started already");
-         if (!s.FSession.StartPack()) Refuse("the pack could not be started");
+         if (!s.FSession.StartPack())
+             Refuse("the pack does not start: " + s.FSession.LastDialog());
      }},
     {"stop", "", "unload the pack", 0, 0,
      [](TScript& s, const TStatement&) {
@@ -129,18 +135,19 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
      "with open-end the last line has none",
      1, 3,
      [](TScript& s, const TStatement& st) {
+         CheckWords(st.Args, 1, {"crlf", "lf", "cr", "open-end"});
          const std::string_view end = HasWord(st.Args, 1, "lf")   ? "\n"
                                       : HasWord(st.Args, 1, "cr") ? "\r"
                                                                   : "\r\n";
          std::string text;
          for (const std::string& line : st.Block) text.append(line).append(end);
          if (HasWord(st.Args, 1, "open-end") && !text.empty()) text.resize(text.size() - end.size());
-         std::ofstream stream(s.FScratch / st.Args[0], std::ios::binary);
+         std::ofstream stream(s.ScratchFile(st.Args[0]), std::ios::binary);
          if (!(stream << text)) throw EScriptError(ExitIO, "cannot write " + st.Args[0]);
      }},
     {"bytes", "NAME TEXT...", "make a file in the scratch folder from the quoted texts", 2, Any,
      [](TScript& s, const TStatement& st) {
-         std::ofstream stream(s.FScratch / st.Args[0], std::ios::binary);
+         std::ofstream stream(s.ScratchFile(st.Args[0]), std::ios::binary);
          for (std::size_t i = 1; i < st.Args.size(); ++i) stream << st.Args[i];
          if (!stream) throw EScriptError(ExitIO, "cannot write " + st.Args[0]);
      }},
@@ -171,14 +178,17 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
          if (!form && st.Args[0] != "-") Refuse("there is no form '" + st.Args[0] + "'");
          Screen()->SetActiveForm(form);
      }},
-    {"cursor", "R:C", "put the cursor", 1, 1,
+    {"cursor", "R:C", "put the cursor, also behind the end of a line", 1, 1,
      [](TScript& s, const TStatement& st) {
-         CurrentView(s.FSession).GoTo(ParsePlace(st.Args[0]));
+         const TTextPos place = ParsePlace(st.Args[0]);
+         CheckPlace(CurrentView(s.FSession).Buffer().Text(), {place.Row, 1});
+         CurrentView(s.FSession).GoTo(place);
      }},
     {"select", "R:C-R:C [start] [column]",
      "select a block; the cursor stands at its end, or at its start; a stream block unless told", 1,
      3,
      [](TScript& s, const TStatement& st) {
+         CheckWords(st.Args, 1, {"start", "column"});
          const auto [from, to] = ParseRange(st.Args[0]);
          TSourceView& view = CurrentView(s.FSession);
          const bool column = HasWord(st.Args, 1, "column");
@@ -190,6 +200,7 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
      }},
     {"lines", "A-B [start]", "select whole lines", 1, 2,
      [](TScript& s, const TStatement& st) {
+         CheckWords(st.Args, 1, {"start"});
          TSourceView& view = CurrentView(s.FSession);
          const auto [first, last] = ParseRows(st.Args[0]);
          const auto [from, to] = WholeRows(view.Buffer().Text(), first, last);
@@ -226,15 +237,20 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
     {"save", "[FILE]", "save the current file, in the scratch folder when a name is given", 0, 1,
      [](TScript& s, const TStatement& st) {
          TSourceBuffer& buffer = CurrentView(s.FSession).Buffer();
-         if (st.Args.empty()) buffer.Save();
-         else buffer.SaveAs((s.FScratch / st.Args[0]).string());
+         if (st.Args.empty()) return buffer.Save();
+         const std::string original = s.FOriginals[buffer.FileName()];
+         buffer.SaveAs(s.ScratchFile(st.Args[0]).string());
+         s.FOriginals[buffer.FileName()] = original;
      }},
     {"close", "[force]", "close the current file; with force without asking", 0, 1,
      [](TScript& s, const TStatement& st) {
+         CheckWords(st.Args, 0, {"force"});
          TIdeModule* const module = s.FSession.Ide().CurrentModule();
          if (!module) Refuse("no file is open");
+         const std::string file = module->FileName();
          if (!s.FSession.Ide().Modules().Close(*module, HasWord(st.Args, 0, "force")))
              Refuse("the file stays open");
+         s.FOriginals.erase(file);
      }},
     {"answer", "yes|no|cancel|ok", "queue the answer of the next dialog", 1, 1,
      [](TScript& s, const TStatement& st) {
@@ -277,7 +293,9 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
          for (const std::string& line : st.Block) expected += line + "\n";
          const std::string found = s.Print(st.Args);
          if (found == expected) return;
-         Refuse("not as expected\n" + UnifiedDiff(expected, found, "expected", "found"));
+         std::string diff = UnifiedDiff(expected, found, "expected", "found");
+         diff.pop_back(); // the message ends its last line itself
+         Refuse("not as expected\n" + diff);
      }},
     {"refuse", "VERB [ARG...]", "run another statement, which must be refused", 1, Any,
      [](TScript& s, const TStatement& st) {
@@ -380,9 +398,13 @@ const TScript::TTopic TScript::TTables::Topics[] =
          "picture, state; with all every menu in full",
          1,
          [](TScript& s, const TArgs& args) {
+             CheckWords(args, 0, {"all"});
              return s.FSession.MenuText(HasWord(args, 0, "all"));
          }},
-        {"dialogs", "", "the dialogs shown since the last time, with their answers", 0,
+        {"dialogs", "",
+         "the dialogs shown since the last time, with their answers; files of the script without "
+         "their folder",
+         0,
          [](TScript& s, const TArgs&) {
              std::string text;
              const auto& dialogs = s.FSession.OS().Dialogs();
@@ -391,7 +413,8 @@ const TScript::TTopic TScript::TTables::Topics[] =
                  std::string_view answer;
                  for (const TAnswerName& named : AnswerNames)
                      if (named.Answer == dialog.Answer) answer = named.Name;
-                 text += Format("[%s] %s -> %s\n", {dialog.Caption, Escaped(dialog.Text), answer});
+                 text += Format("[%s] %s -> %s\n",
+                                {dialog.Caption, Escaped(s.Shortened(dialog.Text)), answer});
              }
              return text;
          }},
@@ -438,16 +461,38 @@ const TScript::TTopic& TScript::TTables::FindTopic(std::string_view name) {
 std::string TScript::Help() {
     std::string text;
     const auto row = [&text](std::string_view name, std::string_view args, std::string_view help) {
-        std::string head = "  " + std::string(name) + (args.empty() ? "" : " ") + std::string(args);
-        if (head.size() < 34)
-            head.resize(34, ' ');
+        constexpr std::size_t indent = 34;
+        constexpr std::size_t width = 96;
+        std::string line = "  " + std::string(name) + (args.empty() ? "" : " ") + std::string(args);
+        const auto wrap = [&] {
+            text += line + "\n";
+            line.assign(indent, ' ');
+        };
+        if (line.size() >= indent)
+            wrap();
         else
-            head += "\n" + std::string(34, ' ');
-        text.append(head).append(help).append("\n");
+            line.resize(indent, ' ');
+        for (bool first = true; !help.empty(); first = false) {
+            const std::string_view word = help.substr(0, help.find(' '));
+            if (line.size() + 1 + word.size() > width) wrap(), first = true;
+            line.append(first ? "" : " ").append(word);
+            help.remove_prefix(std::min(word.size() + 1, help.size()));
+        }
+        text += line + "\n";
     };
     text +=
-        "Verbs, one a line; # begins a comment; quoted words know \\n \\r \\t \\\\ \\\" \\xHH;\n"
-        "lines that begin with | are the block of the verb above them:\n";
+        "A script has a statement a line. # begins a comment, quoted words know \\n \\r \\t \\\\ "
+        "\\\" \\xHH,\nlines that begin with | are the block of the statement above them:\n\n"
+        "  file Demo.pas\n"
+        "  |   procedure B;\n"
+        "  |   function A: Integer;\n"
+        "  open Demo.pas\n"
+        "  start\n"
+        "  pump\n"
+        "  lines 1-2\n"
+        "  press Ctrl+;\n"
+        "  print diff\n"
+        "\nVerbs:\n";
     for (const TVerb& verb : TTables::Verbs) row(verb.Name, verb.Args, verb.Help);
     text += "\nTopics of print and expect:\n";
     for (const TTopic& topic : TTables::Topics) row(topic.Name, topic.Args, topic.Help);
@@ -457,12 +502,7 @@ std::string TScript::Help() {
 // --- Playing ----------------------------------------------------------------------------------
 
 TScript::TScript(fs::path folder, TOutput output)
-    : FFolder(std::move(folder)), FScratch(MakeScratch()), FOutput(std::move(output)) {}
-
-TScript::~TScript() {
-    std::error_code error;
-    fs::remove_all(FScratch, error);
-}
+    : FFolder(std::move(folder)), FOutput(std::move(output)) {}
 
 void TScript::Play(std::string_view text) {
     for (const TStatement& statement : ParseScript(text)) {
@@ -503,8 +543,24 @@ std::string TScript::Print(const TArgs& args) {
 }
 
 fs::path TScript::FileOf(std::string_view name) const {
-    const fs::path scratch = FScratch / name;
+    const fs::path scratch = FScratch.Path() / name;
     return fs::exists(scratch) ? scratch : FFolder / name;
+}
+
+std::string TScript::Shortened(std::string text) const {
+    for (const fs::path& folder : {FScratch.Path(), FFolder}) {
+        const std::string prefix = (folder / "").string();
+        for (std::size_t at = 0; (at = text.find(prefix, at)) != std::string::npos;)
+            text.erase(at, prefix.size());
+    }
+    return text;
+}
+
+fs::path TScript::ScratchFile(std::string_view name) const {
+    const fs::path file = name;
+    if (name.empty() || file.filename() != file || name == "." || name == "..")
+        Misuse("'" + std::string(name) + "' is no plain file name");
+    return FScratch.Path() / file;
 }
 
 void TScript::NoteOriginal() {

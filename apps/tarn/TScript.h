@@ -2,6 +2,7 @@
 
 #include "ScriptSource.h"
 #include "TSession.h"
+#include "TTempFolder.h"
 
 #include <filesystem>
 #include <functional>
@@ -20,7 +21,6 @@ public:
     TScript(std::filesystem::path folder, TOutput output);
     TScript(const TScript&) = delete;
     TScript& operator=(const TScript&) = delete;
-    ~TScript(); ///< removes the scratch folder
 
     /// Plays the text to its end. Raises EScriptError "LINE: text" at the first statement that
     /// fails.
@@ -36,14 +36,19 @@ private:
 
     void Run(const TStatement& statement);
     std::string Print(const std::vector<std::string>& args);
+    /// A file of the scratch folder, or else of the script's own.
     std::filesystem::path FileOf(std::string_view name) const;
+    /// The text without the folders of the script's files, which differ from run to run.
+    std::string Shortened(std::string text) const;
+    /// A file to be made in the scratch folder; its name is a plain one.
+    std::filesystem::path ScratchFile(std::string_view name) const;
     void NoteOriginal();
     /// The first and last row of "A-B", of "A", or of the whole text when the argument is missing.
     std::pair<int, int> Rows(const std::vector<std::string>& args, std::size_t index);
 
+    TTempFolder FScratch; ///< outlives the session, which has its files open
     TSession FSession;
     std::filesystem::path FFolder;
-    std::filesystem::path FScratch;
     TOutput FOutput;
     std::map<std::string, std::string> FOriginals; ///< the texts as they were opened, by file
     std::size_t FDialogsSeen = 0;

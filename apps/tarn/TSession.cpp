@@ -32,6 +32,10 @@ void TSession::StopPack() {
     FIde->Packages().Unload();
 }
 
+std::string TSession::LastDialog() const {
+    return FOS.Dialogs().empty() ? std::string() : FOS.Dialogs().back().Text;
+}
+
 TShortCut TSession::KeyOf(std::string_view text) const {
     constexpr std::pair<std::string_view, TShortCut> modifiers[] = {
         {"SHIFT+", scShift}, {"CTRL+", scCtrl}, {"ALT+", scAlt}};
@@ -71,7 +75,7 @@ const std::string& ItemIDOf(TMenuItem& item) {
 }
 
 void AppendItem(std::string& text, TMenuItem& item, int level) {
-    text.append(static_cast<std::size_t>(2 * level), ' ').append(item.Caption());
+    text.append(2 * static_cast<std::size_t>(level), ' ').append(item.Caption());
     if (item.ShortCut() != 0) text += " [" + ShortCutToText(item.ShortCut()) + "]";
     if (!item.Name().empty()) text += " (" + item.Name() + ")";
     if (!ItemIDOf(item).empty()) text += " id=" + ItemIDOf(item);

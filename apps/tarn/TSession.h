@@ -29,6 +29,8 @@ public:
     /// Unloads the pack. Its traces are kept, see Traces.
     void StopPack();
     bool PackRuns() const { return TExpManager::Instance() != nullptr; }
+    /// The text of the dialog shown last; empty when there was none.
+    std::string LastDialog() const;
     /// The life-cycle traces: of the pack that runs, or as they were when it was unloaded.
     TErrorLogState Traces() const { return FTraces ? *FTraces : ErrorLog(); }
 

@@ -389,7 +389,10 @@ TEST_F(BlockToolsTest, DoesNothingWithoutABlockButShowTheCursor) {
     for (int i = 0; i < 20; ++i) above += "x;\r\n";
     for (const std::string_view block : {"  |b;", "  [>b;", "  b;~~[~~>"})
         for (const TBlockActionID action : {aiSetup, aiSort, L1, L2, R1, R2}) {
-            TSourceView& view = Open(above + std::string(block) + "\r\n" + above);
+            std::string marked = above;
+            marked.append(block).append("\r\n").append(above);
+            const std::string text = Parse(marked).Text;
+            TSourceView& view = Open(marked);
             view.Scroll(19, 0); // the cursor's row becomes the second one
             ASSERT_EQ(view.TopRow(), 20);
             TSourceView& other = Open("y");
@@ -398,7 +401,7 @@ TEST_F(BlockToolsTest, DoesNothingWithoutABlockButShowTheCursor) {
             const int painted = view.PaintCount();
             EXPECT_FALSE(Expert().CheckState());
             Expert().DoAction(action);
-            EXPECT_EQ(view.Buffer().Text().Text(), above + "  b;\r\n" + above);
+            EXPECT_EQ(view.Buffer().Text().Text(), text);
             EXPECT_EQ(view.State(), state);
             EXPECT_EQ(view.TopRow(), 18);
             EXPECT_EQ(view.PaintCount(), painted + 1);

@@ -1,0 +1,90 @@
+#include "app_fixture.h"
+
+#include <cstdlib>
+#include <sys/wait.h>
+
+// The built program as a shell sees it: output, messages and exit codes.
+
+namespace tarn {
+namespace {
+
+class ProgramTest : public testing::Test {
+protected:
+    /// What a run leaves behind as "CODE|standard output|standard error", with the test's folder
+    /// called DIR.
+    std::string Run(const std::string& arguments, std::string_view input = {}) {
+        const auto file = [this](std::string_view name) { return (Folder.Path() / name).string(); };
+        WriteFile(file("stdin"), input);
+        const std::string command = "cd " + Folder.Path().string() + " && '" TARN_PROGRAM "' " +
+                                    arguments + " <stdin >stdout 2>stderr";
+        const int status = std::system(command.c_str()); // NOLINT(cert-env33-c)
+        std::string result = std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) + "|" +
+                             ReadFile(file("stdout")) + "|" + ReadFile(file("stderr"));
+        const std::string folder = Folder.Path().string();
+        for (std::size_t at = 0; (at = result.find(folder, at)) != std::string::npos;)
+            result.replace(at, folder.size(), "DIR");
+        return result;
+    }
+    void Write(std::string_view name, std::string_view text) {
+        WriteFile(Folder.Path() / name, text);
+    }
+
+    TTempFolder Folder;
+};
+
+TEST_F(ProgramTest, RunsScripts) {
+    Write("good.tarn", "say hello\n");
+    Write("refused.tarn", "say hello\n\nundo\nsay never\n");
+    Write("wrong.tarn", "say hello\njump\n");
+    Write("malformed.tarn", "say hello\nsay \"open\n");
+    Write("io.tarn", "open Nothing.pas\n");
+    Write("expect.tarn", "file a.pas\n| b\nopen a.pas\nexpect text\n| a\n");
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {"run good.tarn", "0|hello\n|"},
+        {"run refused.tarn", "1|hello\n|tarn: refused.tarn:3: there is nothing to undo\n"},
+        {"run wrong.tarn",
+         "2|hello\n|tarn: wrong.tarn:2: unknown verb 'jump'; tarn run --help lists them\n"},
+        {"run malformed.tarn",
+         "2||tarn: malformed.tarn:2: missing \" at the end of a quoted word\n"},
+        {"run io.tarn",
+         "3||tarn: io.tarn:1: cannot read DIR/Nothing.pas: no such file or folder\n"},
+        {"run expect.tarn", "1||tarn: expect.tarn:4: not as expected\n--- expected\n+++ found\n"
+                            "@@ -1,1 +1,1 @@\n-a\n+b\n"},
+        {"run missing.tarn", "3||tarn: cannot read missing.tarn: no such file or folder\n"},
+        {"run .", "3||tarn: cannot read .: is a folder\n"},
+    };
+    for (const auto& [arguments, expected] : cases)
+        EXPECT_EQ(Run(std::string(arguments)), expected) << arguments;
+    EXPECT_EQ(Run("run -", "say hello\nstop\n"),
+              "1|hello\n|tarn: <stdin>:2: the pack is not started\n");
+}
+
+TEST_F(ProgramTest, IsAFilter) {
+    EXPECT_EQ(Run("apply SortLinesItem -", "b;\r\na;\r\n"), "0|a;\r\nb;\r\n|");
+    EXPECT_EQ(Run("apply MoveBlockRightOneItem - --lines 2", "a\nb\nc"), "0|a\n b\nc|");
+    EXPECT_EQ(Run("apply MoveBlockLeftOneItem - --select 2:1-2:2", "a\nb\n"),
+              "1||tarn: <stdin>:2: MoveBlockLeftOneItem refused the selection\n");
+    EXPECT_EQ(Run("apply SortLinesItem - -i", "b;\n"),
+              "2||tarn: standard input cannot be changed in place\n");
+    Write("Unit1.pas", "b;\na;\n");
+    EXPECT_EQ(Run("apply SortLinesItem -i Unit1.pas"), "0||");
+    EXPECT_EQ(ReadFile(Folder.Path() / "Unit1.pas"), "a;\nb;\n");
+    EXPECT_EQ(Run("apply SortLinesItem Nothing.pas"),
+              "3||tarn: cannot read DIR/Nothing.pas: no such file or folder\n");
+}
+
+TEST_F(ProgramTest, ExplainsItsUsage) {
+    for (const std::string_view arguments : {"--help", "run --help", "apply --help", "menu"})
+        EXPECT_EQ(Run(std::string(arguments)).substr(0, 2), "0|") << arguments;
+    EXPECT_EQ(Run("--version").substr(0, 7), "0|tarn ");
+    for (const std::string_view arguments :
+         {"", "jump", "run", "run a b", "apply SortLinesItem", "menu x", "--jump",
+          "apply SortLinesItem - --lines 1 --select 1:1-2:1"}) {
+        const std::string result = Run(std::string(arguments));
+        EXPECT_EQ(result.substr(0, 9), "2||tarn: ") << result;
+        EXPECT_EQ(std::count(result.begin(), result.end(), '\n'), 1) << result;
+    }
+}
+
+} // namespace
+} // namespace tarn
