@@ -7,7 +7,7 @@ source tools/setup.sh
 
 need clang clang-format clang-tidy cmake ninja-build libcli11-dev libgtest-dev libbenchmark-dev
 if [ $# -eq 0 ]; then
-    mapfile -t files < <(git ls-files '*.cpp' '*.h')
+    mapfile -t files < <(git ls-files '*.cpp' '*.h' ':!examples')
 else
     files=("$@")
 fi

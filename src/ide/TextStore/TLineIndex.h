@@ -32,7 +32,8 @@ public:
 
 private:
     std::size_t StartAt(std::size_t line) const {
-        return static_cast<std::size_t>(FStarts[line] + (line < FStepLine ? 0 : FStep));
+        const int start = FStarts[line] + (line < FStepLine ? 0 : FStep);
+        return static_cast<std::size_t>(start);
     }
     std::size_t FirstLineFrom(std::size_t offset) const;
     void MoveStep(std::size_t line);
