@@ -196,7 +196,7 @@ public:
         const auto print = [&](auto& self, TMenuItem& parent, int level) -> void {
             for (int i = 0; i < parent.Count(); ++i) {
                 TMenuItem& item = *parent.Items(i);
-                text.append(static_cast<std::size_t>(2 * level), ' ').append(item.Caption());
+                text.append(2 * static_cast<std::size_t>(level), ' ').append(item.Caption());
                 if (!item.Name().empty()) text.append(" (" + item.Name() + ")");
                 text += "\n";
                 self(self, item, level + 1);

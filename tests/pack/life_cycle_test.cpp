@@ -242,7 +242,7 @@ TEST(LifeCycle, FailingStartUpSavesAndRegistersNothing) {
         RecordSlots();
         ide.Initialize();
         TTestExpert::FailIn = c.FailIn;
-        const TIntf<IInterface> services = IDEServices();
+        const TIntf<IInterface> services(IDEServices().Get());
         if (c.FailIn == "no IDE") SetIDEServices(nullptr);
         Register();
         SetIDEServices(services);

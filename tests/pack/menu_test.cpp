@@ -253,7 +253,7 @@ TEST(Menu, TheIDEMayFreeTheMenuFirst) {
     TSmallIDE ide;
     TExpManager& manager = *ide.Start();
     ide.App->ProcessMessages();
-    delete manager.TopItem();
+    FreeObject(manager.TopItem());
     EXPECT_EQ(manager.TopItem(), nullptr);
     manager.ApplySettings();
     EXPECT_NE(manager.TopItem(), nullptr);

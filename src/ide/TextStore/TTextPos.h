@@ -15,7 +15,7 @@ struct TTextPos {
     int Row = 1;
     int Col = 1;
 
-    auto operator<=>(const TTextPos&) const = default;
+    auto operator<=>(const TTextPos&) const = default; // NOLINT(modernize-use-nullptr)
 };
 
 /// What a user sees of an edit view besides the text. The text store keeps it with each undo step

@@ -176,6 +176,7 @@ template <class V> void StoreSlot(void* slot, const V& value) {
     else if constexpr (kind == tkChar)
         *static_cast<std::int32_t*>(slot) = static_cast<unsigned char>(value);
     else
+        // NOLINTNEXTLINE(bugprone-signed-char-misuse): a ShortInt keeps its sign
         *static_cast<std::int32_t*>(slot) = static_cast<std::int32_t>(value);
 }
 
