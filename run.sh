@@ -7,6 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 source tools/setup.sh
 
 need g++ cmake ninja-build libcli11-dev
+wish binutils-mingw-w64-i686
 build run release -DTARN_TESTS=OFF -- --target tarn
 
 program=$PWD/build/run/apps/tarn/tarn

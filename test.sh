@@ -6,6 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 source tools/setup.sh
 
 need g++ cmake ninja-build libcli11-dev libgtest-dev
+wish binutils-mingw-w64-i686
 for preset in release debug; do
     build "$preset" "$preset"
     say "testing $preset"

@@ -22,6 +22,11 @@ need() {
         "${missing[@]}" >&2
 }
 
+# wish PACKAGE...: the same for packages that the build can do without.
+wish() {
+    (need "$@") || say "going on without $*"
+}
+
 # build FOLDER PRESET [CMAKE-OPTION...] [-- BUILD-OPTION...]: builds in build/FOLDER; prints the
 # compiler's output only when it fails.
 build() {

@@ -34,24 +34,26 @@ protected:
     }
     ~StringcTest() override { std::filesystem::remove_all(FFolder); }
 
-    TOutcome Compile(const std::string& table, const std::string& language = "English") {
+    TOutcome Compile(const std::string& table, const std::string& language = "English",
+                     const std::string& output = "rows.inc") {
         std::ofstream(FFolder / "strings.tsv", std::ios::binary) << table;
-        return Run("strings.tsv " + language + " rows.inc");
+        return Run("strings.tsv " + language + " " + output, output);
     }
-    TOutcome Run(const std::string& arguments) {
+    TOutcome Run(const std::string& arguments, const std::string& output = "rows.inc") {
         const std::string command =
             "cd '" + FFolder.string() + "' && '" STRINGC_PATH "' " + arguments + " 2> errors";
         const int status = std::system(command.c_str()); // NOLINT(cert-env33-c)
         return {WEXITSTATUS(status), ReadFile("errors"),
-                std::filesystem::exists(FFolder / "rows.inc") ? ReadFile("rows.inc") : "(none)"};
+                std::filesystem::exists(FFolder / output) ? ReadFile(output) : "(none)"};
     }
 
+    std::filesystem::path FFolder;
+
 private:
-    std::string ReadFile(const char* name) {
+    std::string ReadFile(const std::string& name) {
         std::ifstream file(FFolder / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
-    std::filesystem::path FFolder;
 };
 
 TEST_F(StringcTest, WritesTheRowsOfOneLanguage) {
@@ -61,12 +63,68 @@ TEST_F(StringcTest, WritesTheRowsOfOneLanguage) {
                               "7\tOpen\t\xC3\x96"
                               "ffnen\n"
                               "# another\n"
-                              "50514\tA=\"a\"\\r\\nB\\t\\\\ ?\t2\\\\3\n";
+                              "50514\tA=\"a\"\\r\\nB\\t\\\\ ?\t2\\r\\n\\\\3\n";
     EXPECT_EQ(
         Compile(table),
         (TOutcome{0, "", "{7, \"Open\"},\n{50514, \"A=\\\"a\\\"\\015\\012B\\011\\\\ ?\"},\n"}));
     EXPECT_EQ(Compile(table, "German"),
-              (TOutcome{0, "", "{7, \"\\303\\226ffnen\"},\n{50514, \"2\\\\3\"},\n"}));
+              (TOutcome{0, "", "{7, \"\\303\\226ffnen\"},\n{50514, \"2\\015\\012\\\\3\"},\n"}));
+}
+
+TEST_F(StringcTest, WritesAResourceScript) {
+    const std::string table = "id\tEnglish\tRussian\tLatin\n"
+                              "7\tOpen\t\xD0\xAF \\\\\ta\n"
+                              "50514\tA=\"a\"\\r\\nB\\t\tA=\"\"?1\\r\\n\\\\n\\t\tb\\r\\n\n";
+    EXPECT_EQ(Compile(table, "Russian", "texts.rc"),
+              (TOutcome{0, "",
+                        "#pragma code_page(65001)\n"
+                        "LANGUAGE 25, 1\n"
+                        "STRINGTABLE\n"
+                        "BEGIN\n"
+                        "7, \"\xD0\xAF \\\\\"\n"
+                        "50514, \"A=\"\"\"\"?1\\r\\n\\\\n\\t\"\n"
+                        "END\n"}));
+    EXPECT_EQ(Compile(table, "Latin", "latin.rc"),
+              (TOutcome{1, "stringc: no resource language for \"Latin\"\n", "(none)"}));
+}
+
+TEST_F(StringcTest, RefusesTranslationsThatDoNotFit) {
+    const struct {
+        const char* English;
+        const char* German;
+        const char* Error; ///< empty: the texts fit
+    } cases[] = {
+        {"%s has %d", "%d of %s", "placeholders: %d %s instead of %s %d"},
+        {"%s", "none", "placeholders: none instead of %s"},
+        {"none", "%f", "placeholders: %f instead of none"},
+        {"%.2f, %-3d", "%.1f, %-3d", "placeholders: %.1f %-3d instead of %.2f %-3d"},
+        {"%0:s %1:x", "%1:x %0:s", "placeholders: %1:x %0:s instead of %0:s %1:x"},
+        {"%d%%", "%d", "placeholders: %d instead of %d %%"},
+        {"%%s", "%%d", ""},
+        {"%s", "%%s", "placeholders: %% instead of %s"},
+        {"%s %d", "%%s %d", "placeholders: %% %d instead of %s %d"},
+        {"0-100%.", "100 % of it, 0%", ""},
+        {"one##two", "one two", "number of \"##\": 0 instead of 1"},
+        {"one##two", "one####two", "number of \"##\": 2 instead of 1"},
+        {"one##two", "o##netwo", ""},
+        {"a\\r\\nb\\r\\nc", "a\\r\\nb", "number of \"\\r\\n\": 1 instead of 2"},
+        {"a\\r\\nb", "a\\nb", "number of \"\\r\\n\": 0 instead of 1"},
+        {"All|*.*", "Alle", "number of \"|\": 0 instead of 1"},
+    };
+    for (const auto& c : cases) {
+        const std::string error = c.Error;
+        const std::string table = std::string("id\tEnglish\tLatin\tGerman\n5\t") + c.English +
+                                  "\t" + c.English + "\t" + c.German + "\n";
+        // Refused whichever language is wanted, the faulty one or another.
+        for (const char* language : {"English", "German"}) {
+            const TOutcome outcome = Compile(table, language, "rows.rc");
+            const std::string told = error.empty() ? "" : "strings.tsv:2: German: " + error + "\n";
+            EXPECT_EQ(outcome.Code, error.empty() ? 0 : 1) << table;
+            EXPECT_EQ(outcome.Errors, told) << table;
+            EXPECT_EQ(outcome.Rows == "(none)", !error.empty()) << table;
+            std::filesystem::remove(FFolder / "rows.rc");
+        }
+    }
 }
 
 TEST_F(StringcTest, RefusesBadTables) {

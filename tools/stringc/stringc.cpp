@@ -2,12 +2,14 @@
 //
 // Turns one language of the string table into the rows of a C++ initialiser,
 //     {51044, "Move block left (1 pos)"},
-// in ascending order of id, for an include inside a braced list. The table is described at its own
-// top. Every fault is told as TABLE:LINE: text; a faulty table writes no output.
+// in ascending order of id, for an include inside a braced list; or, when OUTPUT ends in ".rc",
+// into a resource script for a language module. The table is described at its own top. Every fault
+// is told as TABLE:LINE: text; a faulty table writes no output.
 //
 // Exit code: 0 written, 1 faulty table or a file that cannot be read or written, 2 wrong usage.
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <fstream>
 #include <iostream>
@@ -99,6 +101,57 @@ std::string ParseText(std::string_view field) {
     return text;
 }
 
+/// The placeholders of the platform's Format in their order, each as written. A per cent sign that
+/// begins none stands in a text that is not formatted.
+std::vector<std::string_view> Placeholders(std::string_view text) {
+    std::vector<std::string_view> found;
+    for (std::size_t at = 0; (at = text.find('%', at)) != text.npos;) {
+        const std::size_t type = text.find_first_not_of("0123456789:-.", at + 1);
+        if (type != text.npos && std::string_view("duxfs%").find(text[type]) != text.npos) {
+            found.push_back(text.substr(at, type + 1 - at));
+            at = type;
+        }
+        ++at;
+    }
+    return found;
+}
+
+std::string Joined(const std::vector<std::string_view>& texts) {
+    std::string joined;
+    for (const std::string_view text : texts) (joined += joined.empty() ? "" : " ") += text;
+    return joined.empty() ? "none" : joined;
+}
+
+std::size_t Count(std::string_view text, std::string_view part) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.find(part, at)) != text.npos; at += part.size()) ++count;
+    return count;
+}
+
+/// What a text is taken apart by; a translation needs as many of each as the first language.
+struct TMark {
+    std::string_view Text;
+    std::string_view Name;
+};
+constexpr std::array Marks = {
+    TMark{"##", "\"##\""},
+    TMark{"\r\n", "\"\\r\\n\""},
+    TMark{"|", "\"|\""},
+};
+
+void CheckTranslation(std::string_view language, std::string_view first, std::string_view text) {
+    const auto check = [&](std::string_view what, const std::string& given,
+                           const std::string& wanted) {
+        if (given != wanted)
+            throw EStringTableError(std::string(language) + ": " + std::string(what) + ": " +
+                                    given + " instead of " + wanted);
+    };
+    check("placeholders", Joined(Placeholders(text)), Joined(Placeholders(first)));
+    for (const TMark& mark : Marks)
+        check("number of " + std::string(mark.Name), std::to_string(Count(text, mark.Text)),
+              std::to_string(Count(first, mark.Text)));
+}
+
 /// Reads the lines of a table one by one and keeps the texts of one language.
 class TStringTable {
 public:
@@ -121,10 +174,11 @@ private:
         const auto names = Split(line, '\t');
         FColumns = names.size();
         if (names[0] != "id") throw EStringTableError("the header must begin with \"id\"");
-        const auto found = std::find(names.begin() + 1, names.end(), FLanguage);
-        if (found == names.end())
+        FLanguages.assign(names.begin() + 1, names.end());
+        const auto found = std::find(FLanguages.begin(), FLanguages.end(), FLanguage);
+        if (found == FLanguages.end())
             throw EStringTableError("no column \"" + std::string(FLanguage) + "\"");
-        FColumn = static_cast<std::size_t>(found - names.begin());
+        FWanted = static_cast<std::size_t>(found - FLanguages.begin());
     }
     void ReadRow(std::string_view line) {
         const auto fields = Split(line, '\t');
@@ -138,15 +192,18 @@ private:
                                     std::to_string(FLastId));
         FLastId = id;
         // Every language is checked, whichever is wanted: a table is good or it is not.
-        for (std::size_t i = 1; i < fields.size(); ++i) {
-            std::string text = ParseText(fields[i]);
-            if (i == FColumn) FRows.push_back({id, std::move(text)});
+        std::vector<std::string> texts;
+        for (std::size_t i = 0; i < FLanguages.size(); ++i) {
+            texts.push_back(ParseText(fields[i + 1]));
+            CheckTranslation(FLanguages[i], texts.front(), texts.back());
         }
+        FRows.push_back({id, std::move(texts[FWanted])});
     }
 
     std::string_view FLanguage;
     std::size_t FColumns = 0; ///< 0 until the header is read
-    std::size_t FColumn = 0;
+    std::vector<std::string> FLanguages;
+    std::size_t FWanted = 0; ///< index in FLanguages
     int FLastId = 0;
     std::vector<TRow> FRows;
 };
@@ -175,11 +232,56 @@ std::optional<std::string> ReadFile(const char* name) {
     return std::string{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-bool WriteRows(const char* name, const std::vector<TRow>& rows) {
-    std::ofstream file(name, std::ios::binary);
-    for (const TRow& row : rows) file << '{' << row.Id << ", " << Quoted(row.Text) << "},\n";
-    file.close();
-    return !file.fail();
+/// A string of a resource script. Its quote is doubled, and its other characters stay as they are:
+/// the script says that it is UTF-8.
+std::string ResourceQuoted(std::string_view text) {
+    std::string literal = "\"";
+    for (const char c : text) {
+        switch (c) {
+        case '"':
+            literal += "\"\"";
+            break;
+        case '\\':
+            literal += "\\\\";
+            break;
+        case '\r':
+            literal += "\\r";
+            break;
+        case '\n':
+            literal += "\\n";
+            break;
+        case '\t':
+            literal += "\\t";
+            break;
+        default:
+            literal += c;
+        }
+    }
+    return literal += '"';
+}
+
+/// The language numbers of resources: primary and sub-language.
+struct TResourceLanguage {
+    std::string_view Name;
+    int Primary;
+    int Sub;
+};
+constexpr std::array ResourceLanguages = {
+    TResourceLanguage{"English", 0x09, 0x01},
+    TResourceLanguage{"German", 0x07, 0x01},
+    TResourceLanguage{"Russian", 0x19, 0x01},
+};
+
+void PrintScript(std::ostream& out, const TResourceLanguage& language,
+                 const std::vector<TRow>& rows) {
+    out << "#pragma code_page(65001)\nLANGUAGE " << language.Primary << ", " << language.Sub
+        << "\nSTRINGTABLE\nBEGIN\n";
+    for (const TRow& row : rows) out << row.Id << ", " << ResourceQuoted(row.Text) << '\n';
+    out << "END\n";
+}
+
+void PrintRows(std::ostream& out, const std::vector<TRow>& rows) {
+    for (const TRow& row : rows) out << '{' << row.Id << ", " << Quoted(row.Text) << "},\n";
 }
 
 /// The number of faults, each told on the error output.
@@ -211,7 +313,21 @@ int Run(const char* tableName, const char* language, const char* outputName) {
     }
     TStringTable table(language);
     if (ReadTable(tableName, *text, table) > 0) return 1;
-    if (!WriteRows(outputName, table.Rows())) {
+    const bool script = std::string_view(outputName).ends_with(".rc");
+    const auto found =
+        std::find_if(ResourceLanguages.begin(), ResourceLanguages.end(),
+                     [&](const TResourceLanguage& known) { return known.Name == language; });
+    if (script && found == ResourceLanguages.end()) {
+        std::cerr << "stringc: no resource language for \"" << language << "\"\n";
+        return 1;
+    }
+    std::ofstream output(outputName, std::ios::binary);
+    if (script)
+        PrintScript(output, *found, table.Rows());
+    else
+        PrintRows(output, table.Rows());
+    output.close();
+    if (output.fail()) {
         std::cerr << "stringc: cannot write " << outputName << '\n';
         return 1;
     }
