@@ -3,6 +3,7 @@
 #include "rtl/TMethod.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,11 @@ using HWND = std::uint32_t;
 using HKL = std::uint32_t;
 /// A virtual key code, 0 to 255.
 using TVirtualKey = std::uint8_t;
+/// A loaded module of resources; 0 is none.
+using HMODULE = std::uint32_t;
+
+/// Ends what a window does with the captured mouse.
+inline constexpr std::uint32_t WM_CANCELMODE = 0x1F;
 
 inline constexpr HKL LayoutUSEnglish = 0x409;
 
@@ -58,14 +64,39 @@ public:
     /// What the active layout calls a key that has no name of its own, for example "," or ";";
     /// empty when the key gives no character.
     virtual std::string KeyName(TVirtualKey key) = 0;
+    /// Whether the key is held down.
+    virtual bool KeyDown(TVirtualKey key) = 0;
+    /// The window that has captured the mouse; 0 when none has.
+    virtual HWND GetCapture() = 0;
 
     /// The full file name of the module that holds the pack.
     virtual std::string GetModuleFileName() = 0;
+
+    /// Loads a resource library; 0 when it cannot be loaded as one.
+    virtual HMODULE LoadLibrary(std::string_view fileName) = 0;
+    virtual void FreeLibrary(HMODULE module) = 0;
+    /// The numbered string of a module, UTF-8: what fits a buffer of 1024 characters with its end
+    /// mark. Empty when the module has none or is not loaded.
+    virtual std::string LoadString(HMODULE module, int id) = 0;
+
+    // The registry below the current user. A key is written "\\Software\\Name".
+    /// Opens a key for reading and writing, making it when it is missing; false when that cannot
+    /// be.
+    virtual bool OpenRegistryKey(std::string_view key) = 0;
+    /// The value of a key that can be opened; none when it does not exist.
+    virtual std::optional<std::string> ReadRegistryString(std::string_view key,
+                                                          std::string_view name) = 0;
+    /// Writes a value; false when the key cannot be written to.
+    virtual bool WriteRegistryString(std::string_view key, std::string_view name,
+                                     std::string_view value) = 0;
 
     /// Shows a modal message and returns the button that answered it.
     virtual TDialogAnswer MessageBox(HWND owner, std::string_view text, std::string_view caption,
                                      std::uint32_t flags) = 0;
     virtual void MessageBeep() = 0;
+    /// Lets the user choose a folder, beginning at `folder`; none when that is cancelled.
+    virtual std::optional<std::string> SelectDirectory(std::string_view title,
+                                                       std::string_view folder) = 0;
 };
 
 /// Installs an implementation, which must outlive its use, and returns the one before; null takes

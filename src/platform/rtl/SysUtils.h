@@ -49,6 +49,9 @@ struct TMenuErrorTag {
 struct TInvalidOperationTag {
     static constexpr std::string_view Name = "EInvalidOperation";
 };
+struct TInOutErrorTag {
+    static constexpr std::string_view Name = "EInOutError";
+};
 
 /// A text that is no value, or objects that cannot be assigned to each other.
 using EConvertError = TNamedException<TConvertErrorTag>;
@@ -64,6 +67,8 @@ using EFilerError = TNamedException<TFilerErrorTag>;
 using EMenuError = TNamedException<TMenuErrorTag>;
 /// An operation that the object's state does not allow.
 using EInvalidOperation = TNamedException<TInvalidOperationTag>;
+/// A file that cannot be opened, read or written.
+using EInOutError = TNamedException<TInOutErrorTag>;
 
 /// The class name of any exception: that of the platform's family, else "External exception".
 std::string_view ExceptionClassName(const std::exception& error);

@@ -65,6 +65,17 @@ void TForm::SetWindowState(TWindowState value) {
     StateChanged();
 }
 
+TModalResult TForm::ShowModal() {
+    const TWeak<TForm> before = TheScreen ? TheScreen->ActiveForm() : nullptr;
+    ModalResult = mrNone;
+    Show();
+    if (TheApplication && TheApplication->OnModal) TheApplication->OnModal(*this);
+    if (ModalResult == mrNone) ModalResult = mrCancel;
+    Hide();
+    if (before) TheScreen->SetActiveForm(before.Get());
+    return ModalResult;
+}
+
 bool TForm::IsShortCut(TShortCut shortCut) {
     if (shortCut == 0) return false;
     if (Menu && Menu->IsShortCut(shortCut)) return true;

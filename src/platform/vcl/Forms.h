@@ -13,6 +13,9 @@ inline constexpr std::string_view WindowStateNames[] = {"wsNormal", "wsMinimized
 template <>
 inline constexpr TTypeInfo TypeInfoOf<TWindowState> = EnumType("TWindowState", WindowStateNames);
 
+/// How a modal form was closed; mrNone while it is open.
+enum TModalResult : std::uint8_t { mrNone, mrOk, mrCancel };
+
 /// A top-level window. Every form is on the list of the screen while it lives.
 class TForm : public TControl {
 public:
@@ -30,6 +33,11 @@ public:
     void SetVisible(bool value) override;
     TWindowState WindowState() const { return FWindowState; }
     void SetWindowState(TWindowState value);
+
+    /// Shows the form until its ModalResult is set, through the application's OnModal; with nobody
+    /// there to close it, it is cancelled. The form that was active before is active again.
+    TModalResult ShowModal();
+    TModalResult ModalResult = mrNone;
 
     TControl* ActiveControl() const { return FActiveControl.Get(); }
     void SetActiveControl(TControl* control) { FActiveControl = control; }
@@ -99,6 +107,9 @@ public:
 
     /// The window that owns the process's message boxes.
     HWND Handle() const { return FWindow.Handle(); }
+
+    /// Runs a modal form until its ModalResult is set; a front end fills it.
+    TMethod<void(TForm& form)> OnModal;
 
     /// Takes over the display of errors that nobody caught.
     TExceptionEvent OnException;

@@ -15,6 +15,7 @@ HWND TPortableOS::AllocateHWnd(TWndMethod procedure) {
 
 void TPortableOS::DeallocateHWnd(HWND window) {
     FWindows.erase(window);
+    if (FCapture == window) FCapture = 0;
     std::erase_if(FQueue, [window](const TPosted& posted) { return posted.Window == window; });
 }
 
@@ -107,6 +108,16 @@ TDialogAnswer TPortableOS::MessageBox(HWND, std::string_view text, std::string_v
     }
     FDialogs.push_back({std::string(caption), std::string(text), flags, answer});
     return answer;
+}
+
+std::optional<std::string> TPortableOS::SelectDirectory(std::string_view title, std::string_view) {
+    std::optional<std::string> folder;
+    if (!FFolders.empty()) {
+        folder = FFolders.front();
+        FFolders.pop_front();
+    }
+    FDialogs.push_back({std::string(title), folder.value_or(""), 0, folder ? IDOK : IDCANCEL});
+    return folder;
 }
 
 } // namespace tarn

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "os/OS.h"
+#include "os/portable/PEStrings.h"
 
+#include <bitset>
 #include <deque>
 #include <map>
 #include <vector>
@@ -25,14 +27,29 @@ public:
     HKL GetKeyboardLayout() override { return FLayout; }
     void ActivateKeyboardLayout(HKL layout) override;
     std::string KeyName(TVirtualKey key) override;
+    bool KeyDown(TVirtualKey key) override { return FKeysDown.test(key); }
+    HWND GetCapture() override { return FCapture; }
 
     std::string GetModuleFileName() override;
+
+    HMODULE LoadLibrary(std::string_view fileName) override;
+    void FreeLibrary(HMODULE module) override;
+    std::string LoadString(HMODULE module, int id) override;
+
+    bool OpenRegistryKey(std::string_view key) override;
+    std::optional<std::string> ReadRegistryString(std::string_view key,
+                                                  std::string_view name) override;
+    bool WriteRegistryString(std::string_view key, std::string_view name,
+                             std::string_view value) override;
 
     /// Takes the oldest queued answer; without one the cautious answer: Cancel where there is such
     /// a button, else No, else OK.
     TDialogAnswer MessageBox(HWND owner, std::string_view text, std::string_view caption,
                              std::uint32_t flags) override;
     void MessageBeep() override { ++FBeeps; }
+    /// Takes the oldest queued folder; without one the choice is cancelled.
+    std::optional<std::string> SelectDirectory(std::string_view title,
+                                               std::string_view folder) override;
 
     /// One message box that was shown.
     struct TShownDialog {
@@ -42,7 +59,11 @@ public:
         TDialogAnswer Answer = IDOK;
     };
 
+    void SetKeyDown(TVirtualKey key, bool down) { FKeysDown.set(key, down); }
+    /// Gives the mouse to a window, which loses it when it goes.
+    void SetCapture(HWND window) { FCapture = window; }
     void QueueAnswer(TDialogAnswer answer) { FAnswers.push_back(answer); }
+    void QueueFolder(std::string_view folder) { FFolders.emplace_back(folder); }
     const std::vector<TShownDialog>& Dialogs() const { return FDialogs; }
     int Beeps() const { return FBeeps; }
     std::size_t PendingMessages() const { return FQueue.size(); }
@@ -52,6 +73,12 @@ public:
 
     /// Replaces the running program's own file name as the module that holds the pack.
     void SetModuleFileName(std::string_view name) { FModuleFileName = name; }
+
+    /// The text file that is the registry. Without one no key can be opened.
+    void SetRegistryFile(std::string_view file) { FRegistryFile = file; }
+    /// Where the registry of the user is: TARN_REGISTRY, or "tarnexperts/registry" in the folder
+    /// where the desktop's conventions put configuration; empty when there is no such folder.
+    static std::string UserRegistryFile();
 
 private:
     struct TPosted {
@@ -64,9 +91,15 @@ private:
     HWND FLastWindow = 0;
     HKL FLayout = LayoutUSEnglish;
     std::vector<HKL> FLayoutsActivated;
+    std::bitset<256> FKeysDown;
+    HWND FCapture = 0;
     std::deque<TDialogAnswer> FAnswers;
+    std::deque<std::string> FFolders;
     std::vector<TShownDialog> FDialogs;
     std::string FModuleFileName;
+    std::map<HMODULE, TPEStrings> FModules;
+    HMODULE FLastModule = 0x3FF; ///< the first one is above the error codes of loading, 0 to 32
+    std::string FRegistryFile;
     int FBeeps = 0;
 };
 
