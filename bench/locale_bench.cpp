@@ -1,5 +1,6 @@
 // Texts by id, against the bare binary search in a sorted table of the same size.
 
+#include "os/portable/TPortableOS.h"
 #include "qsLocale.h"
 
 #include <benchmark/benchmark.h>
@@ -51,6 +52,18 @@ void BM_LocaleStr(benchmark::State& state) {
     EachId(state, LocaleStr);
 }
 BENCHMARK(BM_LocaleStr);
+
+/// The same from a language library, which is read once.
+void BM_LocaleStrOfModule(benchmark::State& state) {
+    TPortableOS os;
+    TOperatingSystem* const former = InstallOS(&os);
+    LoadNewLanguage(TARN_LANGUAGE_DIR "/texp_ger.dll");
+    if (Locale().ModuleHandle() == 0) state.SkipWithError("built without language libraries");
+    EachId(state, LocaleStr);
+    FreeLocale();
+    InstallOS(former);
+}
+BENCHMARK(BM_LocaleStrOfModule);
 
 } // namespace
 } // namespace tarn

@@ -1,9 +1,11 @@
 #include "Commands.h"
 
+#include "Languages.h"
 #include "Places.h"
 #include "ScriptSource.h"
 #include "TScript.h"
 #include "TTempFolder.h"
+#include "qsAppUtils.h"
 
 #include <CLI/CLI.hpp>
 
@@ -151,6 +153,35 @@ std::string BuiltMenu() {
     return TRunningPack().MenuText(false);
 }
 
+// --- The error log ----------------------------------------------------------------------------
+
+namespace {
+
+/// Raises EScriptError when there is no such directory.
+fs::path ErrorLogFile(const std::string& packageDir) {
+    const fs::path folder = packageDir.empty()
+                                ? fs::path(TPortableOS().GetModuleFileName()).parent_path()
+                                : fs::path(packageDir);
+    if (!fs::is_directory(folder))
+        throw EScriptError(ExitIO, "cannot read " + folder.string() + ": is no folder");
+    return folder / ErrorLogName;
+}
+
+} // namespace
+
+std::optional<std::string> ErrorLogText(const std::string& packageDir) {
+    const fs::path file = ErrorLogFile(packageDir);
+    if (!fs::exists(file)) return std::nullopt;
+    return ReadFileText(file.string());
+}
+
+bool ClearErrorLog(const std::string& packageDir) {
+    const fs::path file = ErrorLogFile(packageDir);
+    if (!fs::exists(file)) return false;
+    WriteFileEx(file.string(), {});
+    return true;
+}
+
 // --- The command line -------------------------------------------------------------------------
 
 namespace {
@@ -159,6 +190,17 @@ int Report(int exitCode, std::string_view message) {
     std::fflush(stdout);
     std::cerr << "tarn: " << message << '\n';
     return exitCode;
+}
+
+void ShowLog(const std::string& packageDir, bool clear) {
+    bool found = false;
+    if (clear)
+        found = ClearErrorLog(packageDir);
+    else if (const auto text = ErrorLogText(packageDir)) {
+        found = true;
+        WriteOut(*text);
+    }
+    if (!found) std::cerr << "tarn: there is no error log\n";
 }
 
 } // namespace
@@ -190,7 +232,27 @@ int TarnMain(int argc, char** argv) {
     apply->footer("Without --select and --lines the command gets the whole text. A command that\n"
                   "refuses its selection changes nothing and exits with 1.");
 
+    CLI::App* const lang = app.add_subcommand("lang", "List the languages, or choose or check one");
+    lang->require_subcommand(0, 1);
+    std::string registry;
+    lang->add_option("--registry", registry,
+                     "the file that keeps the choice, instead of TARN_REGISTRY or the user's own");
+    std::string language;
+    CLI::App* const langUse = lang->add_subcommand("use", "Choose a language for the next starts");
+    langUse->add_option("NAME", language, "a name from tarn lang, or Default")->required();
+    std::string library;
+    CLI::App* const langCheck =
+        lang->add_subcommand("check", "Compare a language library with the built-in texts");
+    langCheck->add_option("FILE", library, "the library")->required();
+
     CLI::App* const menu = app.add_subcommand("menu", "Print the menu as the pack builds it");
+
+    std::string packageDir;
+    bool clearLog = false;
+    CLI::App* const log = app.add_subcommand("log", "Print the errors that the pack has logged");
+    log->add_flag("--clear", clearLog, "empty the log instead");
+    log->add_option("--package-dir", packageDir,
+                    "the directory of the pack, instead of the program's own");
 
     try {
         app.parse(argc, argv);
@@ -204,11 +266,25 @@ int TarnMain(int argc, char** argv) {
         if (*apply)
             if (const auto result = ApplyCommand(request)) WriteOut(*result);
         if (*menu) WriteOut(BuiltMenu());
+        if (*log) ShowLog(packageDir, clearLog);
+        SetRegistryFile(registry);
+        if (*langUse)
+            UseLanguage(language);
+        else if (*langCheck) {
+            const TLanguageCheck check = CheckLanguage(library);
+            WriteOut(check.Report);
+            if (!check.Faultless) return ExitRefused;
+        } else if (*lang)
+            WriteOut(ListLanguages());
         if (std::fflush(stdout) != 0) throw EScriptError(ExitIO, "cannot write to standard output");
         return ExitDone;
     } catch (const EScriptError& error) {
         return Report(error.ExitCode(), error.what());
     } catch (const EFileError& error) {
+        return Report(ExitIO, error.what());
+    } catch (const EInOutError& error) {
+        return Report(ExitIO, error.what());
+    } catch (const fs::filesystem_error& error) {
         return Report(ExitIO, error.what());
     } catch (const std::bad_alloc&) {
         return Report(ExitIO, "not enough memory");

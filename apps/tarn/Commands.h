@@ -27,6 +27,12 @@ std::optional<std::string> ApplyCommand(const TApplyRequest& request);
 /// The main menu as the pack builds it.
 std::string BuiltMenu();
 
+/// The error log in the directory of the package, which is the program's own when none is named; no
+/// text when there is no log.
+std::optional<std::string> ErrorLogText(const std::string& packageDir);
+/// Empties the log; false when there is none.
+bool ClearErrorLog(const std::string& packageDir);
+
 /// The whole program.
 int TarnMain(int argc, char** argv);
 

@@ -3,6 +3,8 @@
 #include "Diff.h"
 #include "Places.h"
 #include "Settings.h"
+#include "qsAppUtils.h"
+#include "vcl/TStringGrid.h"
 
 #include <algorithm>
 #include <fstream>
@@ -72,6 +74,15 @@ std::string OrNone(std::string text) {
     // Names are joined by CR LF; shown on one line.
     for (std::size_t at; (at = text.find("\r\n")) != std::string::npos;) text.replace(at, 2, ", ");
     return text.empty() ? "-" : text;
+}
+
+constexpr std::string_view RegistryKey = "\\Software\\TarnExperts";
+
+TStringGrid& ActiveGrid() {
+    if (const TForm* const form = Screen()->ActiveForm())
+        for (int i = 0; i < form->ComponentCount(); ++i)
+            if (auto* const grid = ClassCast<TStringGrid>(form->Components(i))) return *grid;
+    Refuse("the active form has no grid");
 }
 
 struct TAnswerName {
@@ -261,6 +272,38 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
              }
          Misuse("'" + st.Args[0] + "' is no answer; there are yes, no, cancel and ok");
      }},
+    {"folder", "DIR", "queue the folder that the user chooses next", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         s.FSession.OS().QueueFolder(s.FileOf(st.Args[0]).string());
+     }},
+    {"row", "N", "select a row of the grid in the active form", 1, 1,
+     [](TScript&, const TStatement& st) {
+         TStringGrid& grid = ActiveGrid();
+         const int row = StrToInt(st.Args[0]);
+         if (row < 1 || row >= grid.RowCount())
+             Refuse(Format("the grid has %d rows", {grid.RowCount() - 1}));
+         grid.SetRow(row);
+     }},
+    {"cell", "N TEXT", "set the cell of column N in the selected row of the grid", 2, 2,
+     [](TScript&, const TStatement& st) {
+         TStringGrid& grid = ActiveGrid();
+         const int col = StrToInt(st.Args[0]);
+         if (grid.Row() == 0) Refuse("no row is selected");
+         if (col < 1 || col > grid.ColCount())
+             Refuse(Format("the grid has %d columns", {grid.ColCount()}));
+         grid.SetCell(col - 1, grid.Row(), st.Args[1]);
+     }},
+    {"do", "ACTION", "run an action of the active form by its component name", 1, 1,
+     [](TScript&, const TStatement& st) {
+         const TForm* const form = Screen()->ActiveForm();
+         auto* const action = form ? ClassCast<TAction>(form->FindComponent(st.Args[0])) : nullptr;
+         if (!action) Misuse("the active form has no action '" + st.Args[0] + "'");
+         if (!action->Execute()) Refuse("'" + st.Args[0] + "' is disabled");
+     }},
+    {"registry", "NAME VALUE", "write a value of the pack's key in the script's own registry", 2, 2,
+     [](TScript& s, const TStatement& st) {
+         s.FSession.OS().WriteRegistryString(RegistryKey, st.Args[0], st.Args[1]);
+     }},
     {"set", "PATH VALUE", "set a setting, for example EditorManagerData.SafeStringMoving False", 2,
      2, [](TScript&, const TStatement& st) { SetSetting(st.Args[0], st.Args[1]); }},
     {"apply", "", "apply changed menu settings: the menu is rebuilt at the next pump", 0, 0,
@@ -430,10 +473,33 @@ const TScript::TTopic TScript::TTables::Topics[] =
                  if (named.Layout == s.FSession.OS().GetKeyboardLayout()) return Lines(named.Name);
              return Lines("unknown");
          }},
-        {"setting", "PATH", "a setting", 1,
+        {"grid", "", "the grid of the active form, the selected row with a *", 0,
+     [](TScript&, const TArgs&) {
+         const TStringGrid& grid = ActiveGrid();
+         std::string text;
+         for (int row = 0; row < grid.RowCount(); ++row) {
+             text += row > 0 && row == grid.Row() ? "* " : "  ";
+             for (int col = 0; col < grid.ColCount(); ++col)
+                 text += (col > 0 ? " | " : "") + grid.Cell(col, row);
+             text += "\n";
+         }
+         return text;
+     }},
+    {"registry", "NAME", "a value of the pack's key in the registry", 1,
+     [](TScript& s, const TArgs& args) {
+         if (args.empty()) Misuse("print registry needs a name");
+         const auto value = s.FSession.OS().ReadRegistryString(RegistryKey, args[0]);
+         return Lines(value ? "\"" + Escaped(s.Shortened(*value)) + "\"" : "-");
+     }},
+    {"setting", "PATH", "a setting", 1,
          [](TScript&, const TArgs& args) {
              if (args.empty()) Misuse("print setting needs a path");
              return Lines(GetSetting(args[0]));
+         }},
+        {"log", "", "the pack's error log, as it stands in the scratch folder", 0,
+         [](TScript& s, const TArgs&) {
+             const fs::path file = s.ScratchFile(ErrorLogName);
+             return fs::exists(file) ? s.Shortened(ReadFileEx(file.string())) : Lines("-");
          }},
         {"trace",
          "", "how far start-up and shut-down have got, and with which experts, newest first", 0,
@@ -502,15 +568,36 @@ std::string TScript::Help() {
 // --- Playing ----------------------------------------------------------------------------------
 
 TScript::TScript(fs::path folder, TOutput output)
-    : FFolder(std::move(folder)), FOutput(std::move(output)) {}
+    : FFolder(std::move(folder)), FOutput(std::move(output)) {
+    // A script has a package directory and a registry of its own: it depends on nothing that the
+    // user has chosen, and leaves nothing behind.
+    FSession.OS().SetModuleFileName(ScratchFile("package").string());
+    FSession.OS().SetRegistryFile(ScratchFile("registry").string());
+    Application()->OnModal = TMethod<void(TForm&)>::Of<&TScript::RunModal>(this);
+}
 
 void TScript::Play(std::string_view text) {
-    for (const TStatement& statement : ParseScript(text)) {
-        try {
-            Run(statement);
-        } catch (const EScriptError& error) {
-            throw EScriptError(error.ExitCode(), Format("%d: %s", {statement.Line, error.what()}));
-        }
+    FStatements = ParseScript(text);
+    FNext = 0;
+    while (FNext < FStatements.size()) RunNext();
+}
+
+void TScript::RunNext() {
+    const TStatement& statement = FStatements[FNext++];
+    try {
+        Run(statement);
+    } catch (const EScriptError& error) {
+        throw EScriptError(error.ExitCode(), Format("%d: %s", {statement.Line, error.what()}));
+    }
+    if (FFailure) std::rethrow_exception(std::exchange(FFailure, nullptr));
+}
+
+void TScript::RunModal(TForm& form) {
+    try {
+        while (form.ModalResult == mrNone && FNext < FStatements.size()) RunNext();
+    } catch (...) {
+        FFailure = std::current_exception();
+        form.ModalResult = mrCancel;
     }
 }
 

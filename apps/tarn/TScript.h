@@ -4,10 +4,12 @@
 #include "TSession.h"
 #include "TTempFolder.h"
 
+#include <exception>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace tarn {
 
@@ -34,7 +36,11 @@ private:
     struct TTopic;
     struct TTables;
 
+    void RunNext();
     void Run(const TStatement& statement);
+    /// Plays on while a modal form is open; what fails there passes on from the statement that
+    /// opened it.
+    void RunModal(TForm& form);
     std::string Print(const std::vector<std::string>& args);
     /// A file of the scratch folder, or else of the script's own.
     std::filesystem::path FileOf(std::string_view name) const;
@@ -46,7 +52,10 @@ private:
     /// The first and last row of "A-B", of "A", or of the whole text when the argument is missing.
     std::pair<int, int> Rows(const std::vector<std::string>& args, std::size_t index);
 
-    TTempFolder FScratch; ///< outlives the session, which has its files open
+    std::vector<TStatement> FStatements;
+    std::size_t FNext = 0;
+    std::exception_ptr FFailure; ///< of a statement that was played in a modal form
+    TTempFolder FScratch;        ///< outlives the session, which has its files open
     TSession FSession;
     std::filesystem::path FFolder;
     TOutput FOutput;

@@ -1,5 +1,6 @@
 #include "TExpManager.h"
 
+#include "TFinally.h"
 #include "qsDialogs.h"
 #include "qsErrorLog.h"
 #include "qsExpMng.h"
@@ -16,17 +17,14 @@ TPrivateExecProc pPrivateExecProc;
 namespace {
 
 TExpManager* TheManager = nullptr;
+/// What AppErrorLogData is passing on; the manager may go while the error is shown.
+const std::exception* PassingOn = nullptr;
 
 } // namespace
 
 TExpManagerSlots& ExpManagerSlots() {
     static TExpManagerSlots slots;
     return slots;
-}
-
-TErrorLogState& ErrorLog() {
-    static TErrorLogState state;
-    return state;
 }
 
 TExpManager* TExpManager::Instance() {
@@ -54,7 +52,7 @@ struct TExpManager::TStartUpStep {
 
 std::span<const TExpManager::TStartUpStep> TExpManager::StartUpSteps() {
     static constexpr TStartUpStep steps[] = {
-        {&TExpManager::ProcessLocalization, " 1"},
+        {&TExpManager::StartLocalization, " 1"},
         {&TExpManager::CreateData, " 3"},
         {&TExpManager::OpenMessageWindow, " 4"},
         {&TExpManager::CreateExpObjectList, " 5"},
@@ -96,8 +94,12 @@ void TExpManager::AbandonStart() {
     ShutDown(false);
 }
 
-void TExpManager::ProcessLocalization() {
+void TExpManager::StartLocalization() {
     if (ExpManagerSlots().ProcessLocalization) ExpManagerSlots().ProcessLocalization(*this);
+}
+
+void TExpManager::EndLocalization() {
+    if (ExpManagerSlots().SaveLocalization) ExpManagerSlots().SaveLocalization(*this);
 }
 
 void TExpManager::CreateData() {
@@ -152,7 +154,7 @@ std::span<const TExpManager::TShutDownStep> TExpManager::ShutDownSteps() {
         {&TExpManager::FreeExpObjectList, " 8"},
         {&TExpManager::FreeData, " 9"},
         {&TExpManager::FreeEditor, " 10"},
-        {&TExpManager::SaveLocalization, " 11", true},
+        {&TExpManager::EndLocalization, " 11", true},
     };
     return steps;
 }
@@ -206,10 +208,6 @@ void TExpManager::FreeData() {
 
 void TExpManager::FreeEditor() {
     FEditor.reset();
-}
-
-void TExpManager::SaveLocalization() {
-    if (ExpManagerSlots().SaveLocalization) ExpManagerSlots().SaveLocalization(*this);
 }
 
 // --- Messages, keyboard layout, active form ---------------------------------------------------
@@ -270,8 +268,9 @@ void TExpManager::FormChange(TObject* sender) {
 // --- The error log's handler ------------------------------------------------------------------
 
 void TExpManager::HookException() {
-    FPrevOnException = Application()->OnException;
-    Application()->OnException = TExceptionEvent::Of<&TExpManager::AppErrorLogData>(this);
+    const auto own = TExceptionEvent::Of<&TExpManager::AppErrorLogData>(this);
+    if (Application()->OnException == own) return;
+    FPrevOnException = std::exchange(Application()->OnException, own);
 }
 
 void TExpManager::UnHookException() {
@@ -279,11 +278,15 @@ void TExpManager::UnHookException() {
 }
 
 void TExpManager::AppErrorLogData(TObject* sender, const std::exception& error) {
+    // A handler that was put in front of this one, and is behind it since the log was switched off
+    // and on, hands the error back: it has been logged, and only showing it is left.
+    if (PassingOn == &error) return Application()->ShowException(error);
+    const std::exception* const outer = std::exchange(PassingOn, &error);
+    const TFinally passedOn([outer] { PassingOn = outer; });
     // An error while writing must not hide the one that is to be shown.
     std::exception_ptr writing;
     try {
-        if (ErrorLog().LogAllowed && ExpManagerSlots().WriteLogEntry)
-            ExpManagerSlots().WriteLogEntry(sender, error);
+        WriteLogEntry(sender, error);
     } catch (...) {
         writing = std::current_exception();
     }

@@ -119,6 +119,23 @@ public:
     TNotifyEvent FindExecProc(const TAction* action) const;
     void PrivateExpertExecProc(TObject* sender, TNotifyEvent proc);
 
+    // The language
+    /// Reads the language settings, writes those that are missing, and loads the chosen module; one
+    /// that is gone is forgotten.
+    void ProcessLocalization();
+    void SaveLocalization();
+    void CreateLangSubMenu(TMenuItem* item);
+    void SelectLanguage(TObject* sender);        ///< a menu item or action called as the language
+    void SelectDefaultLanguage(TObject* sender); ///< back to the built-in language
+    void SetActiveLanguageItem(TMenuItem* item); ///< checks the entry of the current language
+    /// The name of a language in the current language, or the name itself.
+    std::string TranslateLangName(std::string_view name) const;
+    /// The internal name of a language from its name in the current one, or that name itself.
+    std::string RetranslateLangName(std::string_view displayName) const;
+    void EditLangModules(TObject* sender);
+    /// A module's file in the directory of the modules.
+    std::string LocaleFile(std::string_view module) const;
+
     // Keyboard layout and active form
     void SetEngLayout();
     void SetActiveLayout();
@@ -143,9 +160,9 @@ public:
     TMenuItem* LanguageItem() const { return FLanguageItem.Get(); }
     TActions& LanguageActions() { return *FLanguageActions; }
 
-    std::string LocaleDir;
+    std::string LocaleDir; ///< of the language modules; empty is the package's
     std::string LocaleModules = "Russian=texp_rus.dll,English=texp_eng.dll,German=texp_ger.dll";
-    std::string CurrentLocale;
+    std::string CurrentLocale; ///< the module in use; empty for the built-in language
 
 private:
     struct TStartUpStep;
@@ -159,8 +176,8 @@ private:
     // Steps of start-up and shut-down that are no operations of their own
     static std::span<const TStartUpStep> StartUpSteps();
     static std::span<const TShutDownStep> ShutDownSteps();
-    void ProcessLocalization();
-    void SaveLocalization();
+    void StartLocalization();
+    void EndLocalization();
     void CreateData();
     void OpenMessageWindow();
     void CloseMessageWindow();
@@ -184,6 +201,9 @@ private:
     void BuildMenu();
     void RestoreLayout();
     void DisconnectExperts();
+    void ChangeLanguage(const std::string& file);
+    /// The IDE's action list; null when the IDE does not offer one.
+    static TActionList* IDEActionList();
     void NameItem(TMenuItem& item);
     TAction* NewAction(std::string_view caption, TActionList* actionList, TActions& actions);
     static void FreeActions(TActions& actions);

@@ -9,12 +9,6 @@
 namespace tarn {
 namespace {
 
-/// The IDE's action list; null when the IDE does not offer one.
-TActionList* IDEActionList() {
-    const auto services = IDEService<INTAServices>();
-    return services ? services->GetActionList() : nullptr;
-}
-
 /// Where the menu goes: a place among the items of one menu.
 struct TMenuPlace {
     TMenuItem* Root;
@@ -33,6 +27,11 @@ TMenuPlace FindPlace(TMenuItem* root, std::string_view searchText) {
 }
 
 } // namespace
+
+TActionList* TExpManager::IDEActionList() {
+    const auto services = IDEService<INTAServices>();
+    return services ? services->GetActionList() : nullptr;
+}
 
 // --- Building ---------------------------------------------------------------------------------
 
@@ -145,8 +144,7 @@ void TExpManager::CreateSettingSubMenu(TMenuItem* item) {
                   list, *FSettingActions);
     item->Add(NewLine());
     FLanguageItem = CreateNewItem(LocaleStr(50500), {}, item, list, *FSettingActions);
-    if (ExpManagerSlots().CreateLangSubMenu)
-        ExpManagerSlots().CreateLangSubMenu(*this, *FLanguageItem);
+    CreateLangSubMenu(FLanguageItem.Get());
 }
 
 // --- Tearing down -----------------------------------------------------------------------------

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "qsErrorLog.h"
+
 #include <exception>
 #include <functional>
 #include <string>
@@ -11,8 +13,12 @@ class TExpManager;
 class TMenuItem;
 class TObject;
 
-/// The places where the manager hands over to services that may be absent. An empty slot means the
-/// built-in default: nothing is loaded, nothing is saved, nothing is logged.
+/// TExpManager::ProcessLocalization and TExpManager::SaveLocalization.
+void ReadLanguageSettings(TExpManager& manager);
+void WriteLanguageSettings(TExpManager& manager);
+
+/// The places where the manager hands over to services that may be absent or replaced. With an
+/// empty slot nothing is loaded, nothing is saved, nothing is logged.
 struct TExpManagerSlots {
     /// Loads the settings tree from an existing file that is not empty, all or nothing; false when
     /// the file could not be read.
@@ -22,14 +28,13 @@ struct TExpManagerSlots {
     /// the package is initialized.
     std::function<void()> InstallSaveRoutine;
 
-    /// Reads the language settings and loads the chosen language.
-    std::function<void(TExpManager& manager)> ProcessLocalization;
-    std::function<void(TExpManager& manager)> SaveLocalization;
-    /// Fills the "Language" submenu.
-    std::function<void(TExpManager& manager, TMenuItem& item)> CreateLangSubMenu;
+    /// Where the language settings come from at the start and go to at the end: the registry.
+    std::function<void(TExpManager& manager)> ProcessLocalization = ReadLanguageSettings;
+    std::function<void(TExpManager& manager)> SaveLocalization = WriteLanguageSettings;
 
-    /// Appends an entry to the error log.
-    std::function<void(TObject* sender, const std::exception& error)> WriteLogEntry;
+    /// Appends an entry to the error log; called while that is allowed.
+    std::function<void(TObject* sender, const std::exception& error)> WriteLogEntry =
+        AppendLogEntry;
 };
 
 /// The slots of the process. They stay filled over shut-down and a new start.

@@ -1,6 +1,7 @@
 #include "qsExpMng.h"
 
 #include "qsErrorLog.h"
+#include "qsLocale.h"
 #include "vcl/Forms.h"
 
 namespace tarn {
@@ -43,6 +44,7 @@ void FinalizeExpMng() {
     if (!Package().Counter.Leave()) return;
     FreeExpertRegistry();
     FreeExpData();
+    FreeLocale();
     Package().Dir.clear();
     Package().SettingsName.clear();
     ErrorLog().ClearTraces();
@@ -61,8 +63,8 @@ void Register() {
 
 void CheckAddErrorLog(TObject* sender) {
     const auto write = [sender](const std::exception& error) {
-        if (ErrorLog().LogAllowed && ExpManagerSlots().WriteLogEntry)
-            ExpManagerSlots().WriteLogEntry(sender, error);
+        if (const HWND window = OS().GetCapture()) OS().SendMessage(window, WM_CANCELMODE, 0, 0);
+        WriteLogEntry(sender, error);
     };
     try {
         throw;

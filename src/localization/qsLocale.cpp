@@ -1,9 +1,14 @@
 #include "qsLocale.h"
 
+#include "rtl/SysUtils.h"
+#include "vcl/Forms.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <memory>
+#include <utility>
 
 namespace tarn {
 
@@ -38,10 +43,48 @@ constexpr auto RowOfId = [] {
 
 } // namespace
 
-TfrLocale& Locale() {
-    static TfrLocale locale;
+// --- The locale object ------------------------------------------------------------------------
+
+TfrLocale::~TfrLocale() {
+    if (FModuleLoaded && HasOS()) OS().FreeLibrary(FModuleHandle);
+}
+
+void TfrLocale::LoadNewLanguage(std::string_view fileName) {
+    if (std::exchange(FModuleLoaded, false)) OS().FreeLibrary(std::exchange(FModuleHandle, 0));
+    if (fileName.empty()) return;
+    // The quirk: 32 is the only result that counts as a failure, though a failed load gives 0.
+    constexpr HMODULE failed = 32;
+    FModuleHandle = OS().LoadLibrary(fileName);
+    FModuleLoaded = FModuleHandle != failed;
+}
+
+bool TfrLocale::IsDelphiHost() const {
+    return Application() && UpperCase(ExtractFileName(Application()->ExeName)) == "DELPHI32.EXE";
+}
+
+namespace {
+
+std::unique_ptr<TfrLocale>& TheLocale() {
+    static std::unique_ptr<TfrLocale> locale;
     return locale;
 }
+
+} // namespace
+
+TfrLocale& Locale() {
+    if (!TheLocale()) TheLocale() = std::make_unique<TfrLocale>();
+    return *TheLocale();
+}
+
+void FreeLocale() {
+    TheLocale().reset();
+}
+
+void LoadNewLanguage(std::string_view fileName) {
+    Locale().LoadNewLanguage(fileName);
+}
+
+// --- The texts --------------------------------------------------------------------------------
 
 std::optional<std::string_view> FindBuiltInStr(int id) {
     if (id < FirstId || id > LastId) return std::nullopt;
@@ -51,8 +94,13 @@ std::optional<std::string_view> FindBuiltInStr(int id) {
 }
 
 std::string LocaleStr(int id) {
-    if (const TLocaleStrEvent handler = Locale().OnLocaleStr) {
-        std::string text = handler(id);
+    const TfrLocale& locale = Locale();
+    if (locale.OnLocaleStr) {
+        std::string text = locale.OnLocaleStr(id);
+        if (!text.empty()) return text;
+    }
+    if (locale.ModuleLoaded()) {
+        std::string text = OS().LoadString(locale.ModuleHandle(), id);
         if (!text.empty()) return text;
     }
     return std::string(FindBuiltInStr(id).value_or(std::string_view()));

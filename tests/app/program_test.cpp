@@ -73,6 +73,25 @@ TEST_F(ProgramTest, IsAFilter) {
               "3||tarn: cannot read DIR/Nothing.pas: no such file or folder\n");
 }
 
+TEST_F(ProgramTest, PrintsAndClearsTheLog) {
+    constexpr std::string_view none = "0||tarn: there is no error log\n";
+    const std::filesystem::path file = Folder.Path() / "ExpError.log";
+    EXPECT_EQ(Run("log --package-dir ."), none);
+    EXPECT_EQ(Run("log --clear --package-dir ."), none);
+    EXPECT_FALSE(std::filesystem::exists(file));
+    Write("ExpError.log", "\r\n[ now ]\r\noops\r\n");
+    EXPECT_EQ(Run("log --package-dir ."), "0|\r\n[ now ]\r\noops\r\n|");
+    EXPECT_EQ(Run("log --package-dir . --clear"), "0||");
+    EXPECT_EQ(ReadFile(file), "");
+    EXPECT_EQ(Run("log --package-dir ."), "0||");
+    EXPECT_EQ(Run("log --package-dir stdin"), "3||tarn: cannot read stdin: is no folder\n");
+    std::filesystem::remove(file);
+    std::filesystem::create_directory(file);
+    EXPECT_EQ(Run("log --package-dir ."), "3||tarn: cannot read ./ExpError.log: is a folder\n");
+    EXPECT_EQ(Run("log --package-dir . --clear"),
+              "3||tarn: cannot write to ./ExpError.log: is a directory\n");
+}
+
 TEST_F(ProgramTest, ExplainsItsUsage) {
     for (const std::string_view arguments : {"--help", "run --help", "apply --help", "menu"})
         EXPECT_EQ(Run(std::string(arguments)).substr(0, 2), "0|") << arguments;
@@ -84,6 +103,30 @@ TEST_F(ProgramTest, ExplainsItsUsage) {
         EXPECT_EQ(result.substr(0, 9), "2||tarn: ") << result;
         EXPECT_EQ(std::count(result.begin(), result.end(), '\n'), 1) << result;
     }
+}
+
+TEST_F(ProgramTest, Languages) {
+    EXPECT_EQ(Run("lang --registry reg use Elvish").substr(0, 2), "2|");
+    EXPECT_EQ(Run("lang check Nothing.dll").substr(0, 2), "3|");
+    Write("text.dll", "no library");
+    EXPECT_EQ(Run("lang check text.dll"), "3||tarn: text.dll: not a Windows library\n");
+
+    const std::filesystem::path folder = std::filesystem::path(TARN_PROGRAM).parent_path();
+    const std::string german = (folder / "texp_ger.dll").string();
+    if (!std::filesystem::exists(german)) GTEST_SKIP() << "built without language libraries";
+    for (const std::string_view library : {"texp_eng.dll", "texp_ger.dll", "texp_rus.dll"}) {
+        const std::string file = (folder / library).string();
+        EXPECT_TRUE(Run("lang check '" + file + "'").starts_with("0|" + file + ": ok, "));
+    }
+    EXPECT_EQ(Run("lang --registry reg"),
+              "0|* Default (English)\n  English\n  German\n  Russian\n|");
+    EXPECT_EQ(Run("lang --registry reg use german"), "0||");
+    EXPECT_EQ(Run("lang --registry reg"),
+              "0|  Standard (Englisch)\n* Deutsch\n  Englisch\n  Russisch\n|");
+    // Names of the current language count as well; the environment names the registry, too.
+    EXPECT_EQ(Run("lang --registry reg use Russisch"), "0||");
+    EXPECT_EQ(Run("lang --registry reg use default"), "0||");
+    EXPECT_EQ(Run("lang --registry reg").substr(0, 21), "0|* Default (English)");
 }
 
 } // namespace

@@ -72,8 +72,8 @@ TEST(LifeCycle, StepsInOrder) {
                                    "B.MenuNotification ItemB qsTarnExpMenuItem2",
                                    "A.MenuNotification SettingItem qsTarnExpMenuItem3",
                                    "B.MenuNotification SettingItem qsTarnExpMenuItem3",
-                                   "A.MenuNotification AboutFormItem qsTarnExpMenuItem7",
-                                   "B.MenuNotification AboutFormItem qsTarnExpMenuItem7",
+                                   "A.MenuNotification AboutFormItem qsTarnExpMenuItem9",
+                                   "B.MenuNotification AboutFormItem qsTarnExpMenuItem9",
                                    "PostMessage C002", "layout 409"}));
 
     ide.Stop();

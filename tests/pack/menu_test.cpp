@@ -111,7 +111,10 @@ TEST(Menu, ItemsNamesAndSubmenu) {
                               "    Load default (qsTarnExpMenuItem5)\n"
                               "    -\n"
                               "    Language (qsTarnExpMenuItem6)\n"
-                              "  About... (qsTarnExpMenuItem7)\n"
+                              "      Default (English) (qsTarnExpMenuItem7)\n"
+                              "      -\n"
+                              "      Modules... (qsTarnExpMenuItem8)\n"
+                              "  About... (qsTarnExpMenuItem9)\n"
                               "&Tools\n"
                               "  &Options...\n"
                               "&Help\n");
@@ -124,11 +127,11 @@ TEST(Menu, ItemsNamesAndSubmenu) {
     EXPECT_FALSE(settings.RadioItem() || settings.Items(2)->RadioItem());
     EXPECT_EQ(manager.TopItem()->Items(5)->ImageIndex(), 50);
     EXPECT_EQ(manager.LanguageItem(), settings.Items(3));
-    EXPECT_EQ(ide.Actions->ActionCount(), 6);
+    EXPECT_EQ(ide.Actions->ActionCount(), 8);
     // Made again, the submenu replaces itself.
     manager.CreateSettingSubMenu(&settings);
     EXPECT_EQ(settings.Count(), 4);
-    EXPECT_EQ(ide.Actions->ActionCount(), 6);
+    EXPECT_EQ(ide.Actions->ActionCount(), 8);
 }
 
 TEST(Menu, DispatchFindsTheProcedure) {
@@ -190,7 +193,7 @@ TEST(Menu, RebuildWhileARebuildPumpsMessages) {
     manager.DoApplySettings();
     manager.ApplySettings();
     EXPECT_EQ(manager.TopItem()->Items(0)->Caption(), "Renamed");
-    EXPECT_EQ(ide.Actions->ActionCount(), 6);
+    EXPECT_EQ(ide.Actions->ActionCount(), 8);
     ide.App->ProcessMessages();
     EXPECT_EQ(Outline(ide), "File Edit [pack] Tools(Options...) Help");
 }
@@ -212,7 +215,7 @@ TEST(Menu, ExpertsMayDoAnythingWhenToldOfAnItem) {
     EXPECT_EQ(Outline(ide), "File Edit [pack] Tools(Options...) Help");
     EXPECT_EQ(manager.TopItem()->Count(), 6);
     EXPECT_EQ(manager.TopItem()->Items(5)->Caption(), "Late");
-    EXPECT_EQ(ide.Actions->ActionCount(), 7);
+    EXPECT_EQ(ide.Actions->ActionCount(), 9);
 }
 
 TEST(Menu, FailureWhileBuildingOrOpening) {
@@ -232,7 +235,7 @@ TEST(Menu, FailureWhileBuildingOrOpening) {
     manager.DoApplySettings();
     ide.App->ProcessMessages();
     EXPECT_EQ(manager.TopItem()->Count(), 5);
-    EXPECT_EQ(ide.Actions->ActionCount(), 6);
+    EXPECT_EQ(ide.Actions->ActionCount(), 8);
 
     const auto fail = [](TObject*) { throw Exception("no"); };
     static_cast<TExpMenuItem*>(manager.TopItem()->Items(0))->OnMenuOpen =
