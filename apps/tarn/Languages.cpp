@@ -15,12 +15,16 @@ std::string& ChosenRegistryFile() {
     return file;
 }
 
+std::string RegistryFile() {
+    const std::string& chosen = ChosenRegistryFile();
+    return chosen.empty() ? TPortableOS::UserRegistryFile() : chosen;
+}
+
 /// A session on the user's registry in which the menu stands.
 class TLanguageSession : public TSession {
 public:
     TLanguageSession() {
-        const std::string& chosen = ChosenRegistryFile();
-        OS().SetRegistryFile(chosen.empty() ? TPortableOS::UserRegistryFile() : chosen);
+        OS().SetRegistryFile(RegistryFile());
         if (!StartPack())
             throw EScriptError(ExitRefused, "the pack does not start: " + LastDialog());
         Ide().PumpMessages();
@@ -73,6 +77,11 @@ void UseLanguage(const std::string& name) {
         throw EScriptError(ExitUsage, "unknown language '" + name + "'; there are " + known);
     session.Ide().ClickMenuItem(*chosen);
     session.Ide().PumpMessages();
+    // The pack goes on without a registry; here the choice for later starts is all there is.
+    const auto kept =
+        session.OS().ReadRegistryString("\\Software\\TarnExperts", "ExpCurrentLocale");
+    if (kept != session.Manager().CurrentLocale)
+        throw EScriptError(ExitIO, "the choice cannot be kept in '" + RegistryFile() + "'");
 }
 
 // --- Checking a library -----------------------------------------------------------------------

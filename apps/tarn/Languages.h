@@ -10,7 +10,7 @@ namespace tarn {
 /// missing are named as such.
 std::string ListLanguages();
 /// Chooses a language by its internal name or the name shown, or "Default". Raises EScriptError
-/// naming those there are.
+/// naming those there are, or when the choice cannot be kept.
 void UseLanguage(const std::string& name);
 
 /// What a language library lacks beside the built-in texts.

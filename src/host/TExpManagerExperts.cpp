@@ -124,7 +124,9 @@ void TExpManager::DoRecreateExperts() {
 }
 
 void TExpManager::LoadDefaultSettings(TObject*) {
-    if (!QueryDialog(LocaleStr(51106))) return;
+    // The IDE may let the wizard go while the question stands.
+    const TIntf<IOTAWizard> alive(this);
+    if (!QueryDialog(LocaleStr(51106)) || FState == msDown) return;
     const THourGlass hourGlass;
     std::error_code error;
     std::filesystem::remove(SettingsFile(), error);

@@ -29,11 +29,10 @@ bool FileExists(const std::string& file) {
     return std::filesystem::is_regular_file(file, error);
 }
 
-/// A caption as it was set: without the marks of hotkeys.
+/// The submenu gets no hotkeys of its own, so that an & in a caption belongs to the name.
 std::string CaptionOf(TObject* sender) {
-    if (const auto* const item = ClassCast<TMenuItem>(sender)) return StripHotkey(item->Caption());
-    if (const auto* const action = ClassCast<TAction>(sender))
-        return StripHotkey(action->Caption());
+    if (const auto* const item = ClassCast<TMenuItem>(sender)) return item->Caption();
+    if (const auto* const action = ClassCast<TAction>(sender)) return action->Caption();
     return {};
 }
 
@@ -80,11 +79,9 @@ void TExpManager::ProcessLocalization() {
             else
                 OS().WriteRegistryString(RegistryKey, value.Name, this->*value.Field);
         }
-    if (CurrentLocale.empty()) return;
-    if (FileExists(CurrentLocale))
-        LoadNewLanguage(CurrentLocale);
-    else
-        CurrentLocale.clear();
+    if (!FileExists(CurrentLocale)) CurrentLocale.clear();
+    // Also without a choice: a manager before this one may have left its module loaded.
+    LoadNewLanguage(CurrentLocale);
 }
 
 void TExpManager::SaveLocalization() {
@@ -132,13 +129,14 @@ void TExpManager::CreateLangSubMenu(TMenuItem* item) {
     item->Add(NewLine());
 
     const TLanguageModules modules(LocaleModules);
+    // A name that is there twice gets one entry: it could not be told which one was chosen.
     TStringList names;
+    names.SetSorted(true);
     for (int i = 0; i < modules.Count(); ++i) {
         const std::string name = modules.Name(i);
         if (!name.empty() && FileExists(LocaleFile(modules.Module(i))))
             names.Add(TranslateLangName(name));
     }
-    names.Sort();
     for (int i = 0; i < names.Count(); ++i)
         CreateNewItem(names[i], TNotifyEvent::Of<&TExpManager::SelectLanguage>(this), item, list,
                       *FLanguageActions);
@@ -194,10 +192,12 @@ void TExpManager::ChangeLanguage(const std::string& file) {
 }
 
 void TExpManager::EditLangModules(TObject*) {
+    // The IDE may let the wizard go while the dialog stands.
+    const TIntf<IOTAWizard> alive(this);
     TLocaleForm form;
     form.SetModules(LocaleModules);
     form.LocaleDir = LocaleDir;
-    if (form.ShowModal() != mrOk) return;
+    if (form.ShowModal() != mrOk || FState == msDown) return;
     LocaleModules = form.Modules();
     LocaleDir = form.LocaleDir;
     SaveLocalization();

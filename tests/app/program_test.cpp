@@ -107,6 +107,7 @@ TEST_F(ProgramTest, ExplainsItsUsage) {
 
 TEST_F(ProgramTest, Languages) {
     EXPECT_EQ(Run("lang --registry reg use Elvish").substr(0, 2), "2|");
+    EXPECT_EQ(Run("lang --registry /proc/none/reg use Default").substr(0, 2), "3|");
     EXPECT_EQ(Run("lang check Nothing.dll").substr(0, 2), "3|");
     Write("text.dll", "no library");
     EXPECT_EQ(Run("lang check text.dll"), "3||tarn: text.dll: not a Windows library\n");

@@ -187,6 +187,39 @@ TEST(Language, UnlistedAndBrokenModules) {
     EXPECT_EQ(manager.TranslateLangName("Elvish"), "Elvish");
 }
 
+TEST(Language, NamesThatAreThereTwiceOrHoldAMark) {
+    TLanguageIDE ide;
+    ide.Touch("texp_ger.dll");
+    ide.Touch("other.dll");
+    ide.LanguageOS.WriteRegistryString(
+        Key, "ExpLocaleModules",
+        "German=texp_ger.dll,R&D=other.dll,german=other.dll,=other.dll,Empty=");
+    TExpManager& manager = ide.Running();
+    EXPECT_EQ(ide.Languages(), "*Default (English) - German R&D - Modules...");
+    ide.Entry("German").Click();
+    ide.App->ProcessMessages();
+    EXPECT_EQ(ide.Languages(), "Standard (Englisch) - *Deutsch R&D - Modules...");
+    EXPECT_EQ(manager.RetranslateLangName("Deutsch"), "German");
+    EXPECT_EQ(manager.RetranslateLangName("deutsch"), "German");
+    ide.Entry("R&D").Action()->Execute();
+    ide.App->ProcessMessages();
+    EXPECT_EQ(ide.Languages(), "Default (English) - German *R&D - Modules...");
+}
+
+TEST(Language, AStartWithoutAChoiceLeavesTheFormerModule) {
+    TLanguageIDE ide;
+    ide.Touch("texp_ger.dll");
+    for (const bool gone : {false, true}) {
+        LoadNewLanguage((ide.Dir / "texp_ger.dll").string());
+        EXPECT_EQ(LocaleStr(51049), "Einstellungen");
+        ide.LanguageOS.WriteRegistryString(Key, "ExpCurrentLocale", gone ? "gone.dll" : "");
+        ide.Running();
+        EXPECT_FALSE(Locale().ModuleLoaded());
+        EXPECT_EQ(LocaleStr(51049), "Settings");
+        ide.Unload();
+    }
+}
+
 TEST(Language, ModulesDialog) {
     TLanguageIDE ide;
     ide.Touch("texp_ger.dll");
@@ -225,10 +258,34 @@ TEST(Language, ModulesDialog) {
     EXPECT_EQ(ide.Stored("ExpLocaleModules"), manager.LocaleModules);
     EXPECT_EQ(ide.Stored("ExpLocaleDir"), other.string());
     EXPECT_EQ(ide.Languages(), "*Default (English) - Elvish - Modules...");
+    // However it is run, it outlives the item and the action that ran it.
+    const auto accept = [](TForm& form) { form.ModalResult = mrOk; };
+    ide.App->OnModal = TMethod<void(TForm&)>::Calling(accept);
+    const auto before = ide.Languages();
+    EXPECT_TRUE(ide.Entry("Modules...").Action()->Execute());
+    manager.EditLangModules(&ide.Entry("Modules..."));
+    ide.Entry("Modules...").Action()->SetShortCut(scCtrl | 'M');
+    EXPECT_TRUE(ide.Entry("Modules...").Action()->ActionList()->IsShortCut(scCtrl | 'M'));
+    EXPECT_EQ(ide.Languages(), before);
     // Nobody there to answer: cancelled.
     ide.App->OnModal = {};
     ide.Entry("Modules...").Click();
     EXPECT_EQ(ide.Stored("ExpLocaleDir"), other.string());
+}
+
+TEST(Language, ThePackGoesWhileTheModulesDialogStands) {
+    TLanguageIDE ide;
+    TExpManager& manager = ide.Running();
+    const auto unload = [&](TForm& form) {
+        auto& dialog = dynamic_cast<TLocaleForm&>(form);
+        dialog.SetModules("Elvish=elf.dll");
+        ide.Stop();
+        dialog.acOk().Execute();
+    };
+    ide.App->OnModal = TMethod<void(TForm&)>::Calling(unload);
+    manager.LanguageItem()->Find("Modules...")->Click();
+    EXPECT_EQ(TExpManager::Instance(), nullptr);
+    EXPECT_EQ(ide.Stored("ExpLocaleModules"), DefaultModules);
 }
 
 TEST(Registry, KeepsWhatItDoesNotKnow) {
@@ -250,6 +307,11 @@ TEST(Registry, KeepsWhatItDoesNotKnow) {
     std::filesystem::remove(file);
     EXPECT_TRUE(os.WriteRegistryString(Key, "B", "4"));
     EXPECT_EQ(os.ReadRegistryString(Key, "B"), "4");
+    const std::filesystem::path link = ide.Dir / "link";
+    std::filesystem::create_symlink(ide.Dir / "nowhere", link);
+    os.SetRegistryFile(link.string());
+    EXPECT_FALSE(os.OpenRegistryKey(Key));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
     os.SetRegistryFile("/proc/none/registry");
     EXPECT_FALSE(os.OpenRegistryKey(Key));
     EXPECT_FALSE(os.WriteRegistryString(Key, "B", "4"));

@@ -11,6 +11,7 @@
 #include <iterator>
 #include <optional>
 #include <system_error>
+#include <unistd.h>
 #include <vector>
 
 namespace tarn {
@@ -67,8 +68,13 @@ std::optional<TLines> ReadLines(const fs::path& file) {
 bool WriteLines(const fs::path& file, const TLines& lines) {
     std::error_code error;
     if (file.has_parent_path()) fs::create_directories(file.parent_path(), error);
+    // The file behind a link is written; a link that leads nowhere has none.
     const fs::path target = fs::is_symlink(file, error) ? fs::canonical(file, error) : file;
-    const fs::path beside = target.string() + ".new";
+    if (target.empty()) return false;
+    const bool replaces = fs::exists(target, error);
+    if (replaces && ::access(target.c_str(), W_OK) != 0) return false;
+    // The name is this process's own: another one may be writing as well.
+    const fs::path beside = target.string() + ".new" + std::to_string(::getpid());
     {
         std::ofstream stream(beside, std::ios::binary | std::ios::trunc);
         for (const std::string& line : lines) stream << line << '\n';
@@ -77,6 +83,8 @@ bool WriteLines(const fs::path& file, const TLines& lines) {
             return false;
         }
     }
+    if (replaces) fs::permissions(beside, fs::status(target, error).permissions(), error);
+    error.clear();
     fs::rename(beside, target, error);
     if (!error) return true;
     std::error_code ignored;
