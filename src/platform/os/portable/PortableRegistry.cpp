@@ -130,7 +130,7 @@ std::string TPortableOS::UserRegistryFile() {
         const char* const value = std::getenv(name);
         return value ? value : "";
     };
-    if (const std::string file = variable("TARN_REGISTRY"); !file.empty()) return file;
+    if (std::string file = variable("TARN_REGISTRY"); !file.empty()) return file;
     fs::path folder = variable("XDG_CONFIG_HOME");
     // The desktop's conventions ask for an absolute path there; anything else is ignored.
     if (!folder.is_absolute()) {
