@@ -18,7 +18,7 @@ namespace {
 class TLoggingPackage {
 public:
     TLoggingPackage() : FDir(CreateTempPath()), FFormerOS(InstallOS(&FOS)) {
-        FOS.SetModuleFileName(FDir + "pack.bpl");
+        FOS.SetModuleFileName(FDir + "pack.module");
         InitializeExpMng();
         ErrorLog().LogAllowed = true;
         ErrorLog().LogLimit = 0;

@@ -129,7 +129,7 @@ public:
         Dir = std::filesystem::path(testing::TempDir()) /
               ("tarn-pack-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
         std::filesystem::create_directories(Dir);
-        OS.SetModuleFileName((Dir / "pack.bpl").string());
+        OS.SetModuleFileName((Dir / "pack.module").string());
         App = std::make_unique<TApplication>();
         App->Title = "Small IDE";
         Scr = std::make_unique<TScreen>();

@@ -106,11 +106,11 @@ TEST(AppUtils, ExceptionTexts) {
         throw EConvertError("bad value\nin two lines.");
     } catch (...) {
         EXPECT_EQ(GetExceptionStr(),
-                  "Exception EConvertError in module pack.bpl.\nbad value\nin two lines.");
+                  "Exception EConvertError in module pack.module.\nbad value\nin two lines.");
         EXPECT_EQ(GetFullExceptionStr(),
-                  "Exception EConvertError in module pack.bpl.\r\nbad value\nin two lines.");
+                  "Exception EConvertError in module pack.module.\r\nbad value\nin two lines.");
     }
-    const std::string head = "Exception Exception in module pack.bpl.\n";
+    const std::string head = "Exception Exception in module pack.module.\n";
     EXPECT_EQ(GetExceptionStr(Exception("")), head);
     const std::string fits(1023 - head.size(), 'x');
     EXPECT_EQ(GetExceptionStr(Exception(fits)), head + fits + ".");

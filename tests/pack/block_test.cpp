@@ -111,7 +111,7 @@ protected:
                  ("tarn-block-" + std::to_string(::getpid()));
         std::filesystem::remove_all(Folder);
         std::filesystem::create_directories(Folder);
-        Os.SetModuleFileName((Folder / "pack.bpl").string());
+        Os.SetModuleFileName((Folder / "pack.module").string());
         Ide.emplace();
         EXPECT_TRUE(Ide->Packages().Load({InitializePackage, Register, FinalizePackage}));
         Ide->PumpMessages();

@@ -66,7 +66,7 @@ private:
 
 std::string Entry(std::string_view message, std::string_view source, std::string_view traces = {},
                   std::string_view className = "Exception") {
-    return Format("\r\n[ 7/4/2026 3:05:09 PM ]\r\nException %s in module pack.bpl.\r\n%s.\r\n"
+    return Format("\r\n[ 7/4/2026 3:05:09 PM ]\r\nException %s in module pack.module.\r\n%s.\r\n"
                   "Source object: %s%s\r\n",
                   {className, message, source, traces});
 }

@@ -43,7 +43,7 @@ class TLanguageIDE : public TSmallIDE {
 public:
     TLanguageIDE() {
         InstallOS(&LanguageOS);
-        LanguageOS.SetModuleFileName((Dir / "pack.bpl").string());
+        LanguageOS.SetModuleFileName((Dir / "pack.module").string());
         LanguageOS.SetRegistryFile((Dir / "registry").string());
     }
     ~TLanguageIDE() {

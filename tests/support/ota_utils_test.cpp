@@ -303,7 +303,7 @@ TEST(EditWindow, OnTheScreen) {
     TScreen screen;
     TForm hidden, other, first, second;
     hidden.SetName("EditWindow_0");
-    other.SetName("AppBuilder");
+    other.SetName("IdeMainForm");
     first.SetName("MyeditWINDOW_1");
     second.SetName("EditWindow_2");
     EXPECT_EQ(FindEditorForm(), nullptr);

@@ -175,11 +175,11 @@ TMenuItem* MakeItem(TIdeMainForm& form, TIde& ide, const TMenuRow& row) {
 
 } // namespace
 
-constinit const TClassRecord TIdeMainForm::ClassRecord{"TAppBuilder", &TForm::ClassRecord};
+constinit const TClassRecord TIdeMainForm::ClassRecord{"TIdeMainForm", &TForm::ClassRecord};
 
 TIdeMainForm::TIdeMainForm(TIde& ide)
     : FActionList(new TActionList(this)), FImages(new TImageList(this)) {
-    SetName("AppBuilder");
+    SetName("IdeMainForm");
     FActionList->SetName("ActionList");
     FImages->SetName("ImageList");
     FImages->Count = 60;

@@ -6,7 +6,7 @@ namespace tarn {
 
 class TIde;
 
-/// The IDE's main window "AppBuilder": the menu bar, the list of actions and the pictures.
+/// The IDE's main window "IdeMainForm": the menu bar, the list of actions and the pictures.
 class TIdeMainForm : public TForm {
 public:
     static const TClassRecord ClassRecord;
