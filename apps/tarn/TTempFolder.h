@@ -1,9 +1,9 @@
 #pragma once
 
 #include "ScriptSource.h"
+#include "qsAppUtils.h"
 
 #include <filesystem>
-#include <stdlib.h>
 
 namespace tarn {
 
@@ -11,10 +11,11 @@ namespace tarn {
 class TTempFolder {
 public:
     TTempFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "tarn-XXXXXX").string();
-        if (!::mkdtemp(name.data()))
-            throw EScriptError(ExitIO, "cannot make a temporary folder like " + name);
-        FPath = name;
+        try {
+            FPath = std::filesystem::path(CreateTempPath()).parent_path();
+        } catch (const EInOutError& error) {
+            throw EScriptError(ExitIO, error.what());
+        }
     }
     TTempFolder(const TTempFolder&) = delete;
     TTempFolder& operator=(const TTempFolder&) = delete;

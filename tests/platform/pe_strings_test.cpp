@@ -395,7 +395,7 @@ TEST_F(LibraryFiles, AreRefusedWithTheReason) {
     const std::string large = Write("large", Image(Sample)), limit = Write("limit", Image(Sample));
     std::filesystem::resize_file(large, TPEStrings::MaxFileSize + 1);
     std::filesystem::resize_file(limit, TPEStrings::MaxFileSize);
-    EXPECT_EQ(ReadLibraryStrings(limit), SampleTexts);
+    EXPECT_EQ(TPEStrings::FromFile(limit).All(), SampleTexts);
 
     const struct {
         std::string File, Error;
@@ -412,7 +412,7 @@ TEST_F(LibraryFiles, AreRefusedWithTheReason) {
     for (const auto& [file, error] : cases) {
         std::string message;
         try {
-            ReadLibraryStrings(file);
+            (void)TPEStrings::FromFile(file);
         } catch (const EResourceLibraryError& refusal) {
             message = refusal.what();
         }

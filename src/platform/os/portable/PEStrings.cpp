@@ -321,8 +321,4 @@ std::vector<std::pair<int, std::string>> TPEStrings::All() const {
     return strings;
 }
 
-std::vector<std::pair<int, std::string>> ReadLibraryStrings(std::string_view fileName) {
-    return TPEStrings::FromFile(fileName).All();
-}
-
 } // namespace tarn

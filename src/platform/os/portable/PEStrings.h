@@ -66,8 +66,4 @@ private:
     std::array<std::uint16_t, BlockCount> FPageOf{};
 };
 
-/// All strings of a library file with their ids, by ascending id. Raises EResourceLibraryError as
-/// TPEStrings::FromFile does.
-std::vector<std::pair<int, std::string>> ReadLibraryStrings(std::string_view fileName);
-
 } // namespace tarn
