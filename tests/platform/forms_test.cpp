@@ -1,6 +1,7 @@
 #include "os/portable/TPortableOS.h"
 #include "rtl/SysUtils.h"
 #include "vcl/Forms.h"
+#include "vcl/TToolBar.h"
 
 #include <gtest/gtest.h>
 
@@ -248,9 +249,22 @@ TEST_F(Forms, IdleUpdatesTheActionsOfTheMenu) {
     form.Menu = &menu;
     App->Idle();
     EXPECT_EQ(Log, "above below ");
+    // A form that is shown has its turn as well, with its controls, whatever fails before it.
+    TForm dialog;
+    TToolBar bar;
+    TToolButton button;
+    bar.SetParent(&dialog);
+    button.SetParent(&bar);
+    button.SetAction(&below);
+    for (const bool shown : {false, true}) {
+        dialog.SetVisible(shown);
+        Log.clear();
+        App->Idle();
+        EXPECT_EQ(Log, shown ? "above below below " : "above below ");
+    }
     fails = true;
     App->Idle();
-    EXPECT_EQ(Shown(), "update;");
+    EXPECT_EQ(Shown(), "update;update;");
 }
 
 /// Writes down what a front end is told.

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <optional>
+#include <sstream>
 
 namespace tarn {
 namespace {
@@ -105,6 +107,91 @@ TEST(PortableOS, AnswersDialogsCautiously) {
     EXPECT_EQ(os.MessageBox(0, "", "", MB_YESNO), IDYES);
     EXPECT_EQ(os.MessageBox(0, "", "", MB_YESNO), IDNO);
     EXPECT_EQ(os.Dialogs().size(), std::size(cases) + 2);
+}
+
+/// A console that writes down what it shows.
+struct TTestConsole {
+    TTestConsole(const std::string& input, bool terminal) : In(input), Dialogs(In, Out, terminal) {
+        OS.SetConsole(&Dialogs);
+    }
+    std::istringstream In;
+    std::ostringstream Out;
+    TConsoleDialogs Dialogs;
+    TPortableOS OS;
+};
+
+TEST(PortableOS, AnswersDialogsOnTheConsole) {
+    const std::string ask = "Cap: question: Text\n[y]es / [n]o / [c]ancel: ";
+    const std::string again = "[y]es / [n]o / [c]ancel: ";
+    const struct {
+        std::uint32_t Flags;
+        std::string Input;
+        TDialogAnswer Answer;
+        std::string Shown;
+        std::string Caption = "Cap", Text = "Text";
+        bool Terminal = true;
+    } cases[] = {
+        {MB_YESNOCANCEL | MB_ICONQUESTION, "y\n", IDYES, ask},
+        {MB_YESNOCANCEL | MB_ICONQUESTION, " NO\r\ny\n", IDNO, ask},
+        {MB_YESNOCANCEL | MB_ICONQUESTION, "Cancel", IDCANCEL, ask}, // no line end
+        {MB_YESNOCANCEL | MB_ICONQUESTION, "  \ny\n", IDCANCEL, ask + "cancel\n"},
+        {MB_YESNOCANCEL | MB_ICONQUESTION, "ye\nok\nN\n", IDNO, ask + again + again},
+        {MB_YESNOCANCEL | MB_ICONQUESTION, "?\n", IDCANCEL, ask + again + "cancel\n"},
+        {MB_YESNO | MB_ICONWARNING, "c\n", IDNO,
+         "Cap: warning: Text\n[y]es / [n]o: [y]es / [n]o: no\n"},
+        {MB_YESNO, "", IDNO, "Text\n[y]es / [n]o: no\n", ""},
+        {MB_YESNOCANCEL | MB_ICONQUESTION, "y\n", IDCANCEL, ask + "cancel\n", "Cap", "Text", false},
+        {MB_YESNO, "y\n", IDNO, "Cap: Text\n[y]es / [n]o: no\n", "Cap", "Text", false},
+        {MB_OK | MB_ICONERROR, "y\n", IDOK, "Cap: error: Text\n", "Cap", "Text", false},
+        {MB_OK | MB_ICONINFORMATION, "", IDOK, "a?b: information: 1\n\t2?[0m?2\xC3\x9C?\n", "a\ab",
+         "1\r\n\t2\x1B[0m\xC2\x9B"
+         "2\xC3\x9C\x7F"},
+    };
+    for (const auto& c : cases) {
+        TTestConsole console(c.Input, c.Terminal);
+        console.OS.QueueAnswer(IDOK); // a queued answer goes first, and shows nothing
+        EXPECT_EQ(console.OS.MessageBox(0, "queued", "", c.Flags), IDOK);
+        EXPECT_EQ(console.OS.MessageBox(0, c.Text, c.Caption, c.Flags), c.Answer) << c.Shown;
+        EXPECT_EQ(console.Out.str(), c.Shown);
+        ASSERT_EQ(console.OS.Dialogs().size(), 2u);
+        EXPECT_FALSE(console.OS.Dialogs()[0].OnConsole);
+        const auto& shown = console.OS.Dialogs()[1];
+        EXPECT_EQ(shown.Caption + "/" + shown.Text, c.Caption + "/" + c.Text);
+        EXPECT_EQ(shown.Answer, c.Answer);
+        EXPECT_TRUE(shown.OnConsole);
+    }
+}
+
+TEST(PortableOS, ChoosesFoldersOnTheConsole) {
+    namespace fs = std::filesystem;
+    const std::string here = fs::current_path().string();
+    const std::string ask = "Title (an empty line cancels): ";
+    const std::string askFrom = "Title, from /usr (an empty line cancels): ";
+    const struct {
+        std::string Input, Folder, Shown;
+        std::optional<std::string> Chosen;
+        bool Terminal = true;
+    } cases[] = {
+        {"/usr/../usr/bin\n", "", ask, "/usr/bin"},
+        {" . \n", "", ask, here + "/"},
+        {"bin\n", "/usr", askFrom, "/usr/bin"},
+        {"/\n", "/usr", askFrom, "/"},
+        {"/nowhere\n\n", "", ask + "/nowhere is no folder\n" + ask + "cancelled\n", {}},
+        {"", "", ask + "cancelled\n", {}},
+        {"/usr\n", "", ask + "cancelled\n", {}, false},
+    };
+    for (const auto& c : cases) {
+        TTestConsole console(c.Input, c.Terminal);
+        EXPECT_EQ(console.OS.SelectDirectory("Title", c.Folder), c.Chosen) << c.Input;
+        EXPECT_EQ(console.Out.str(), c.Shown);
+        const auto& shown = console.OS.Dialogs().back();
+        EXPECT_EQ(shown.Caption + "/" + shown.Text, "Title/" + c.Chosen.value_or(""));
+        EXPECT_EQ(shown.Answer, c.Chosen ? IDOK : IDCANCEL);
+        console.OS.QueueFolder("queued");
+        EXPECT_EQ(console.OS.SelectDirectory("Title", ""), "queued");
+        EXPECT_EQ(console.Out.str(), c.Shown);
+    }
+    EXPECT_EQ(TPortableOS().SelectDirectory("Title", "/usr"), std::nullopt);
 }
 
 TEST(PortableOS, LayoutsBeepsAndModule) {

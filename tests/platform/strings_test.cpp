@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <random>
+#include <unistd.h>
 
 namespace tarn {
 namespace {
@@ -140,6 +143,61 @@ TEST(Strings, NamesAndValues) {
     EXPECT_EQ(list.Name(4), "a");
 }
 
+TEST(Strings, SetsValues) {
+    const struct {
+        std::string_view Name, Value;
+        TLines Expected;
+    } cases[] = {
+        {"A", "2", {"A=2", "plain", "A=second", "=nameless"}},
+        {"a", "", {"plain", "A=second", "=nameless"}},
+        {"plain", "x", {"a=1", "plain", "A=second", "=nameless", "plain=x"}},
+        {"plain", "", {"a=1", "plain", "A=second", "=nameless"}},
+        {"", "x", {"a=1", "plain", "A=second", "=x"}},
+    };
+    for (const auto& c : cases) {
+        TStringList list{"a=1", "plain", "A=second", "=nameless"};
+        list.SetValue(c.Name, c.Value);
+        EXPECT_EQ(Lines(list), c.Expected) << c.Name << "=" << c.Value;
+    }
+    TStringList sorted{"b=1"};
+    sorted.SetSorted(true);
+    sorted.SetValue("a", "2");
+    EXPECT_THROW(sorted.SetValue("b", "3"), EStringListError);
+    EXPECT_EQ(Lines(sorted), (TLines{"a=2", "b=1"}));
+}
+
+TEST(Strings, Equal) {
+    const TStringList list{"a", "b"};
+    EXPECT_TRUE(list.Equals(TStringList{"a", "b"}));
+    EXPECT_FALSE(list.Equals(TStringList{"a", "B"}));
+    EXPECT_FALSE(list.Equals(TStringList{"a"}));
+    EXPECT_FALSE(list.Equals(TStringList{"a", "b", ""}));
+}
+
+TEST(Strings, LoadsAndSavesFiles) {
+    const std::string name = testing::TempDir() + "tarn_strings_" + std::to_string(::getpid());
+    const TStringList saved{"a", "", std::string_view("b\0c", 3)};
+    saved.SaveToFile(name);
+    TStringList loaded{"old"};
+    loaded.LoadFromFile(name);
+    EXPECT_EQ(Lines(loaded), Lines(saved));
+    std::remove(name.c_str());
+
+    const auto error = [](auto call) {
+        try {
+            call();
+        } catch (const EInOutError& e) {
+            return std::string(e.Message());
+        }
+        return std::string("none");
+    };
+    EXPECT_EQ(error([&] { loaded.LoadFromFile(name); }),
+              "cannot read " + name + ": no such file or folder");
+    EXPECT_EQ(error([&] { loaded.SaveToFile(name + "/x"); }),
+              "cannot write " + name + "/x: no such file or folder");
+    EXPECT_EQ(Lines(loaded), Lines(saved));
+}
+
 // --- The list ---------------------------------------------------------------------------------
 
 TEST(StringList, MovesCompanionsWithTheirStrings) {
@@ -166,6 +224,9 @@ TEST(StringList, MovesCompanionsWithTheirStrings) {
     EXPECT_EQ(filled([](TStringList& l) { l.Put(1, "x"); }), "a1x2c3");
     EXPECT_EQ(filled([&](TStringList& l) { l.PutObject(0, &c); }), "a3b2c3");
     EXPECT_EQ(filled([](TStringList& l) { l.SetTextStr("a"); }), "a0");
+    EXPECT_EQ(filled([&](TStringList& l) { l.Delete(l.IndexOfObject(&b)); }), "a1c3");
+    EXPECT_EQ(filled([&](TStringList& l) { l.Insert(l.IndexOfObject(nullptr) + 1, "x"); }),
+              "x0a1b2c3");
     EXPECT_EQ(filled([](TStringList& l) {
                   TStringList copy;
                   copy.Assign(&l);
@@ -255,6 +316,80 @@ TEST(StringList, KeepsSortedAndTreatsDuplicates) {
         EXPECT_THROW(list.Put(0, "x"), EStringListError);
         EXPECT_THROW(list.Move(0, 1), EStringListError);
     }
+}
+
+TEST(StringList, LongListsAgreeWithAVector) {
+    std::mt19937 random(8);
+    const auto below = [&](std::size_t end) { return static_cast<int>(random() % end); };
+    for (int round = 0; round < 4; ++round) {
+        TStringList list;
+        TLines model;
+        // The list grows, then shrinks to nothing.
+        const int turns = 6000;
+        for (int turn = 0; turn < turns || !model.empty(); ++turn) {
+            const std::string line = std::to_string(turn);
+            const int i = below(model.size() + 1);
+            const int j = below(model.size() + 1);
+            const int size = static_cast<int>(model.size());
+            const unsigned kind = turn < turns ? random() % 4 : 4 + random() % 4;
+            if (kind == 0) {
+                list.Add(line);
+                model.push_back(line);
+            } else if (kind < 4) {
+                list.Insert(i, line);
+                model.insert(model.begin() + i, line);
+            } else if (i == size || j == size) {
+                continue;
+            } else if (kind == 5) {
+                list.Exchange(i, j);
+                std::swap(model[static_cast<std::size_t>(i)], model[static_cast<std::size_t>(j)]);
+            } else if (kind == 6) {
+                list.Move(i, j);
+                const std::string moved = model[static_cast<std::size_t>(i)];
+                model.erase(model.begin() + i);
+                model.insert(model.begin() + j, moved);
+            } else {
+                // In runs, so that chunks become empty.
+                for (int n = std::min(size - i, 40); n > 0; --n) list.Delete(i);
+                model.erase(model.begin() + i, model.begin() + std::min(size, i + 40));
+            }
+            if (turn % 50 == 0) {
+                ASSERT_EQ(Lines(list), model) << "round " << round << ", turn " << turn;
+            }
+        }
+        ASSERT_EQ(list.Count(), 0);
+    }
+}
+
+TEST(StringList, LongSortedLists) {
+    std::mt19937 random(9);
+    TStringList added, sorted;
+    added.SetSorted(true);
+    added.Duplicates = dupAccept;
+    TLines model;
+    for (int i = 0; i < 5000; ++i) {
+        model.push_back(std::to_string(random() % 4000));
+        added.Add(model.back());
+        sorted.Add(model.back());
+    }
+    sorted.SetSorted(true);
+    std::sort(model.begin(), model.end());
+    EXPECT_EQ(Lines(added), model);
+    EXPECT_EQ(Lines(sorted), model);
+    const auto expectFinds = [&] {
+        for (int i = 0; i < 4000; ++i) {
+            const std::string text = std::to_string(i);
+            int index = -7;
+            const auto place = std::lower_bound(model.begin(), model.end(), text);
+            EXPECT_EQ(added.Find(text, index), place != model.end() && *place == text) << text;
+            EXPECT_EQ(index, place - model.begin()) << text;
+        }
+    };
+    expectFinds();
+    // A hole larger than any chunk.
+    for (int n = 0; n < 2000; ++n) added.Delete(1000);
+    model.erase(model.begin() + 1000, model.begin() + 3000);
+    expectFinds();
 }
 
 /// Counts the events of a list.

@@ -2,7 +2,9 @@
 
 #include "rtl/TMethod.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,6 +38,11 @@ inline constexpr std::uint32_t MB_OK = 0, MB_YESNOCANCEL = 3, MB_YESNO = 4;
 inline constexpr std::uint32_t MB_ICONERROR = 16, MB_ICONQUESTION = 32, MB_ICONWARNING = 48,
                                MB_ICONINFORMATION = 64;
 enum TDialogAnswer : std::uint8_t { IDOK = 1, IDCANCEL = 2, IDYES = 6, IDNO = 7 };
+
+class TSystemHeap;
+class TSystemMapping;
+struct TMapArea;
+struct TMapFile;
 
 /// What the pack and the component library need of the operating system. One implementation is
 /// installed at a time, see InstallOS; everything runs on the main thread.
@@ -89,6 +96,20 @@ public:
     /// Writes a value; false when the key cannot be written to.
     virtual bool WriteRegistryString(std::string_view key, std::string_view name,
                                      std::string_view value) = 0;
+
+    /// The heap of the process, which lives as long as that.
+    virtual TSystemHeap& ProcessHeap() = 0;
+    /// A new heap.
+    /// \param initialSize bytes that it must be able to give at once
+    /// \param maximumSize bytes of all its blocks; 0 is no limit
+    /// Raises EOSError when the memory is not there or the initial size is above the maximum.
+    virtual std::unique_ptr<TSystemHeap> CreateHeap(std::size_t initialSize,
+                                                    std::size_t maximumSize) = 0;
+
+    /// Map a file, or a memory area: a name that is in use joins that area, with the size it has.
+    /// Raise EOSError, also for an empty file that is not to grow.
+    virtual std::unique_ptr<TSystemMapping> Map(const TMapFile& file) = 0;
+    virtual std::unique_ptr<TSystemMapping> Map(const TMapArea& area) = 0;
 
     /// Shows a modal message and returns the button that answered it.
     virtual TDialogAnswer MessageBox(HWND owner, std::string_view text, std::string_view caption,

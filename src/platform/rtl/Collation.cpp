@@ -179,7 +179,60 @@ int AnsiCompareText(std::string_view a, std::string_view b) {
 }
 
 bool AnsiSameText(std::string_view a, std::string_view b) {
-    return AnsiCompareText(a, b) == 0;
+    return a == b || AnsiCompareText(a, b) == 0;
+}
+
+namespace {
+
+/// Mixes text into a hash, eight bytes at a time.
+class THasher {
+public:
+    void PutByte(unsigned char byte) {
+        FWord = FWord << 8 | byte;
+        if (++FBytes % 8 == 0) Mix(FWord);
+    }
+    void Mix(std::uint64_t word) {
+        // Multiplying and shifting brings every bit into the low ones.
+        FHash = (FHash ^ word) * 0x9E3779B97F4A7C15u;
+        FHash ^= FHash >> 32;
+    }
+    bool OnWord() const { return FBytes % 8 == 0; }
+    std::size_t Finish() {
+        Mix(FWord);
+        Mix(FBytes);
+        return static_cast<std::size_t>(FHash);
+    }
+
+private:
+    std::uint64_t FHash = 0, FWord = 0, FBytes = 0;
+};
+
+} // namespace
+
+std::size_t AnsiTextHash(std::string_view text) {
+    // An ASCII character counts as its capital, any other one as a mark and its weight.
+    constexpr unsigned char otherMark = 0xFF;
+    THasher hasher;
+    while (!text.empty()) {
+        const auto first = static_cast<unsigned char>(text.front());
+        if (first < 0x80) {
+            text.remove_prefix(1);
+            hasher.PutByte(first >= 'a' && first <= 'z' ? first - 32 : first);
+            continue;
+        }
+        const TDecoded decoded = Decode(text);
+        text.remove_prefix(static_cast<std::size_t>(decoded.Size));
+        const char32_t capital = Capital(decoded.Char);
+        if (capital < 0x80) {
+            hasher.PutByte(static_cast<unsigned char>(capital));
+            continue;
+        }
+        const std::uint32_t weight = Weight(capital);
+        hasher.PutByte(otherMark);
+        for (int shift = 0; shift < 32; shift += 8)
+            hasher.PutByte(static_cast<unsigned char>(weight >> shift & 0xFF));
+    }
+    return hasher.Finish();
 }
 
 std::string AnsiTextKey(std::string_view text) {

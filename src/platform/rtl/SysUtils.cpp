@@ -178,6 +178,15 @@ bool SameText(std::string_view a, std::string_view b) {
     return a.size() == b.size() && CompareText(a, b) == 0;
 }
 
+bool IsValidIdent(std::string_view text) {
+    const auto letter = [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+    };
+    return !text.empty() && letter(text.front()) &&
+           std::all_of(text.begin(), text.end(),
+                       [&](char c) { return letter(c) || (c >= '0' && c <= '9'); });
+}
+
 std::string UpperCase(std::string_view text) {
     std::string result(text);
     std::transform(result.begin(), result.end(), result.begin(), Upper);

@@ -111,6 +111,11 @@ int AnsiCompareText(std::string_view a, std::string_view b);
 bool AnsiSameText(std::string_view a, std::string_view b);
 /// A key whose byte order is the order of AnsiCompareText, for sorting many texts.
 std::string AnsiTextKey(std::string_view text);
+/// A hash that is equal for texts that are the same without case.
+std::size_t AnsiTextHash(std::string_view text);
+
+/// Whether the text is an identifier: ASCII letters, digits and "_", no digit in front, not empty.
+bool IsValidIdent(std::string_view text);
 
 std::string UpperCase(std::string_view text); ///< ASCII letters only
 std::string LowerCase(std::string_view text); ///< ASCII letters only

@@ -1,9 +1,11 @@
 #include "rtl/TStrings.h"
 
+#include "rtl/SafeFile.h"
 #include "rtl/SysUtils.h"
 
 #include <algorithm>
-#include <numeric>
+#include <utility>
+#include <vector>
 
 namespace tarn {
 
@@ -52,7 +54,13 @@ void TStrings::Move(int curIndex, int newIndex) {
 
 int TStrings::IndexOf(std::string_view s) const {
     for (int i = 0; i < Count(); ++i)
-        if (AnsiSameText(Get(i), s)) return i;
+        if (CompareStrings(Get(i), s) == 0) return i;
+    return -1;
+}
+
+int TStrings::IndexOfObject(const TObject* object) const {
+    for (int i = 0; i < Count(); ++i)
+        if (GetObject(i) == object) return i;
     return -1;
 }
 
@@ -71,10 +79,29 @@ std::string TStrings::Value(std::string_view name) const {
     return index < 0 ? std::string() : Get(index).substr(name.size() + 1);
 }
 
+void TStrings::SetValue(std::string_view name, std::string_view value) {
+    const int index = IndexOfName(name);
+    if (value.empty()) {
+        if (index >= 0) Delete(index);
+        return;
+    }
+    const std::string line = std::string(name).append("=").append(value);
+    if (index < 0)
+        Add(line);
+    else
+        Put(index, line);
+}
+
 std::string TStrings::Name(int index) const {
     const std::string& s = Get(index);
     const std::size_t mark = s.find('=');
     return mark == std::string::npos ? std::string() : s.substr(0, mark);
+}
+
+bool TStrings::Equals(const TStrings& other) const {
+    bool equal = Count() == other.Count();
+    for (int i = 0; equal && i < Count(); ++i) equal = Get(i) == other.Get(i);
+    return equal;
 }
 
 std::string TStrings::GetTextStr() const {
@@ -148,6 +175,18 @@ void TStrings::SetCommaText(std::string_view text) {
     });
 }
 
+void TStrings::LoadFromFile(std::string_view fileName) {
+    SetTextStr(LoadFileText(fileName));
+}
+
+void TStrings::SaveToFile(std::string_view fileName) const {
+    SaveFileText(fileName, GetTextStr());
+}
+
+int TStrings::CompareStrings(std::string_view a, std::string_view b) const {
+    return AnsiCompareText(a, b);
+}
+
 void TStrings::BeginUpdate() {
     // Counted behind the call: a handler that raises leaves no update behind.
     if (FUpdateCount == 0) SetUpdateState(true);
@@ -176,13 +215,12 @@ void TStrings::Assign(const TPersistent* source) {
 // --- TStringList ------------------------------------------------------------------------------
 
 TStringList::TStringList(std::initializer_list<std::string_view> lines) {
-    FItems.reserve(lines.size());
-    for (std::string_view line : lines) FItems.push_back({std::string(line)});
+    for (std::string_view line : lines) FItems.Insert(Count(), {std::string(line)});
 }
 
 const TStringList::TItem& TStringList::At(int index) const {
     if (index < 0 || index >= Count()) throw EStringListError(Format(SListIndexError, {index}));
-    return FItems[static_cast<std::size_t>(index)];
+    return FItems.At(index);
 }
 
 void TStringList::RequireUnsorted() const {
@@ -208,7 +246,7 @@ void TStringList::InsertObject(int index, std::string_view s, TObject* object) {
     RequireUnsorted();
     if (index != Count()) (void)At(index);
     Changing();
-    FItems.insert(FItems.begin() + index, {std::string(s), object});
+    FItems.Insert(index, {std::string(s), object});
     Changed();
 }
 
@@ -220,7 +258,7 @@ int TStringList::AddObject(std::string_view s, TObject* object) {
             throw EStringListError(Format("string list does not allow duplicates: %s", {s}));
     }
     Changing();
-    FItems.insert(FItems.begin() + index, {std::string(s), object});
+    FItems.Insert(index, {std::string(s), object});
     Changed();
     return index;
 }
@@ -228,14 +266,14 @@ int TStringList::AddObject(std::string_view s, TObject* object) {
 void TStringList::Delete(int index) {
     (void)At(index);
     Changing();
-    FItems.erase(FItems.begin() + index);
+    FItems.Take(index);
     Changed();
 }
 
 void TStringList::Clear() {
-    if (FItems.empty()) return;
+    if (IsEmpty()) return;
     Changing();
-    FItems.clear();
+    FItems = {};
     Changed();
 }
 
@@ -253,12 +291,7 @@ void TStringList::Move(int curIndex, int newIndex) {
     (void)At(curIndex);
     (void)At(newIndex);
     Changing();
-    const auto from = FItems.begin() + curIndex;
-    const auto to = FItems.begin() + newIndex;
-    if (from < to)
-        std::rotate(from, from + 1, to + 1);
-    else
-        std::rotate(to, from, from + 1);
+    FItems.Insert(newIndex, FItems.Take(curIndex));
     Changed();
 }
 
@@ -271,35 +304,34 @@ int TStringList::IndexOf(std::string_view s) const {
 void TStringList::SetTextStr(std::string_view text) {
     Update([&] {
         // The old strings live on until the end: the text may be one of them.
-        const std::vector<TItem> before = std::exchange(FItems, {});
-        if (!FSorted)
-            FItems.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) +
-                           1);
+        const TChunkedList<TItem> before = std::exchange(FItems, {});
+        Clear(); // for descendants that keep more than the strings
         ForEachLine(text, [this](std::string_view line) { Add(line); });
     });
 }
 
 bool TStringList::Find(std::string_view s, int& index) const {
-    const auto place = std::lower_bound(
-        FItems.begin(), FItems.end(), s,
-        [](const TItem& item, std::string_view t) { return AnsiCompareText(item.Text, t) < 0; });
-    index = static_cast<int>(place - FItems.begin());
-    return place != FItems.end() && AnsiSameText(place->Text, s);
+    index = FItems.CountWhile([&](const TItem& item) { return CompareStrings(item.Text, s) < 0; });
+    return index < Count() && CompareStrings(FItems.At(index).Text, s) == 0;
 }
 
 void TStringList::Sort() {
-    if (FSorted || FItems.size() < 2) return;
+    if (FSorted || Count() < 2) return;
     Changing();
     std::vector<std::pair<std::string, std::size_t>> keys;
-    keys.reserve(FItems.size());
-    for (std::size_t i = 0; i < FItems.size(); ++i)
-        keys.emplace_back(AnsiTextKey(FItems[i].Text), i);
+    keys.reserve(static_cast<std::size_t>(Count()));
+    for (int i = 0; i < Count(); ++i)
+        keys.emplace_back(SortKey(Get(i)), static_cast<std::size_t>(i));
     std::sort(keys.begin(), keys.end());
-    std::vector<TItem> sorted;
-    sorted.reserve(FItems.size());
-    for (const auto& [key, i] : keys) sorted.push_back(std::move(FItems[i]));
-    FItems = std::move(sorted);
+    std::vector<std::size_t> order;
+    order.reserve(keys.size());
+    for (const auto& key : keys) order.push_back(key.second);
+    FItems.Reorder(order);
     Changed();
+}
+
+std::string TStringList::SortKey(std::string_view s) const {
+    return AnsiTextKey(s);
 }
 
 void TStringList::SetSorted(bool value) {

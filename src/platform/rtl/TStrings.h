@@ -1,11 +1,11 @@
 #pragma once
 
+#include "rtl/TChunkedList.h"
 #include "rtl/TObject.h"
 
 #include <algorithm>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace tarn {
 
@@ -36,14 +36,21 @@ public:
     virtual void Exchange(int index1, int index2);
     virtual void Move(int curIndex, int newIndex);
 
-    /// The index of the first string that equals `s` without case, -1 when none.
+    /// The index of the first string that equals `s` by CompareStrings, -1 when none.
     virtual int IndexOf(std::string_view s) const;
+    /// The index of the first string with that companion, -1 when none.
+    int IndexOfObject(const TObject* object) const;
     /// The index of the first string "NAME=..." with that name without case, -1 when none.
     int IndexOfName(std::string_view name) const;
     /// The text behind "NAME=", empty when there is none.
     std::string Value(std::string_view name) const;
+    /// Gives the first string "NAME=..." that value, or adds one; an empty value deletes the
+    /// string. Raises EStringListError when the string of a sorted list would have to change.
+    void SetValue(std::string_view name, std::string_view value);
     /// The part of the string before its first "=", empty when it has none.
     std::string Name(int index) const;
+    /// Whether both lists hold the same strings, to the byte, in the same order.
+    bool Equals(const TStrings& other) const;
 
     /// All lines, each followed by CR LF.
     std::string GetTextStr() const;
@@ -53,6 +60,12 @@ public:
     std::string GetCommaText() const;
     void SetCommaText(std::string_view text);
 
+    /// The lines of a file. Raises EInOutError naming the file, which leaves the list as it is.
+    void LoadFromFile(std::string_view fileName);
+    /// Writes GetTextStr as the whole contents of a file, which holds the old text until the new
+    /// one is complete. Raises EInOutError naming the file.
+    void SaveToFile(std::string_view fileName) const;
+
     /// Between the two no change is reported; the pairs nest, the last EndUpdate reports.
     void BeginUpdate();
     void EndUpdate();
@@ -61,6 +74,8 @@ public:
     void Assign(const TPersistent* source) override;
 
 protected:
+    /// The order of two strings: below, at or above 0. AnsiCompareText unless a list has its own.
+    virtual int CompareStrings(std::string_view a, std::string_view b) const;
     virtual void SetUpdateState(bool updating);
     bool Updating() const { return FUpdateCount > 0; }
 
@@ -104,7 +119,8 @@ inline constexpr std::string_view DuplicatesNames[] = {"dupIgnore", "dupAccept",
 template <>
 inline constexpr TTypeInfo TypeInfoOf<TDuplicates> = EnumType("TDuplicates", DuplicatesNames);
 
-/// A string list in memory. A sorted list keeps its strings in the order of AnsiCompareText.
+/// A string list in memory, which takes and loses strings quickly at every place. A sorted list
+/// keeps its strings in the order of CompareStrings.
 class TStringList : public TStrings {
 public:
     static const TClassRecord ClassRecord;
@@ -113,7 +129,7 @@ public:
     TStringList() = default;
     TStringList(std::initializer_list<std::string_view> lines);
 
-    int Count() const override { return static_cast<int>(FItems.size()); }
+    int Count() const override { return FItems.Count(); }
     const std::string& Get(int index) const override { return At(index).Text; }
     void Put(int index, std::string_view s) override;
     TObject* GetObject(int index) const override { return At(index).Object; }
@@ -129,9 +145,9 @@ public:
     int IndexOf(std::string_view s) const override;
     void SetTextStr(std::string_view text) override;
 
-    /// The place of `s` in a sorted list, or the place where it would stand.
+    /// The place of the first `s` in a sorted list, or else the place where it would stand.
     bool Find(std::string_view s, int& index) const;
-    /// Sorts once by AnsiCompareText; equal strings keep their order.
+    /// Sorts once by CompareStrings; equal strings keep their order.
     void Sort();
     bool Sorted() const { return FSorted; }
     void SetSorted(bool value);
@@ -141,6 +157,8 @@ public:
     TNotifyEvent OnChanging;
 
 protected:
+    /// A key whose byte order is the order of CompareStrings: who changes one changes both.
+    virtual std::string SortKey(std::string_view s) const;
     void SetUpdateState(bool updating) override;
 
 private:
@@ -155,7 +173,7 @@ private:
     void Changing();
     void Changed();
 
-    std::vector<TItem> FItems;
+    TChunkedList<TItem> FItems;
     bool FSorted = false;
 };
 

@@ -87,12 +87,12 @@ bool TForm::IsShortCut(TShortCut shortCut) {
 }
 
 void TForm::UpdateActions() {
-    if (!Menu) return;
-    const auto update = [](auto& self, TMenuItem& item) -> void {
-        item.InitiateAction();
-        for (int i = 0; i < item.Count(); ++i) self(self, *item.Items(i));
+    if (Menu) Menu->InitiateActions();
+    const auto update = [](auto& self, TControl& control) -> void {
+        control.InitiateAction();
+        for (int i = 0; i < control.ControlCount(); ++i) self(self, *control.Controls(i));
     };
-    update(update, *Menu->Items());
+    update(update, *this);
 }
 
 // --- TScreen ----------------------------------------------------------------------------------
@@ -179,11 +179,16 @@ void TApplication::ProcessMessages() {
 }
 
 void TApplication::Idle() {
-    try {
-        if (MainForm) MainForm->UpdateActions();
-    } catch (...) {
-        HandleException(this);
-    }
+    const auto update = [this](TForm& form) {
+        try {
+            form.UpdateActions();
+        } catch (...) {
+            HandleException(this);
+        }
+    };
+    if (MainForm) update(*MainForm);
+    for (int i = 0; TheScreen && i < TheScreen->FormCount(); ++i)
+        if (TForm& form = *TheScreen->Forms(i); form.Visible() && &form != MainForm) update(form);
 }
 
 void TApplication::WndProc(TMessage& message) {

@@ -47,7 +47,8 @@ public:
     /// Runs the item of the form's menu, or the action of one of its action lists, that has the
     /// shortcut; true when there is one.
     bool IsShortCut(TShortCut shortCut);
-    /// Brings the actions of the menu up to date, as the application does when it is idle.
+    /// Brings the actions of the menu and of the controls up to date, as the application does when
+    /// it is idle.
     void UpdateActions();
 
 private:
@@ -123,7 +124,8 @@ public:
     /// Handles the posted messages until none is left. What a message's handler raises goes to
     /// HandleException, and the next message is handled.
     void ProcessMessages();
-    /// The message queue is empty: actions are brought up to date.
+    /// The message queue is empty: the actions of the main form and of all forms that are shown are
+    /// brought up to date. What an update raises goes to HandleException.
     void Idle();
 
 private:

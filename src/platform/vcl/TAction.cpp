@@ -26,6 +26,29 @@ constinit const TClassRecord TActionList::ClassRecord{"TActionList", &TComponent
 constinit const TClassRecord TImageList::ClassRecord{"TImageList", &TComponent::ClassRecord,
                                                      CreateObject<TImageList>};
 
+void TActionState::Follow(const TActionState& before, const TActionState& after) {
+    const auto follow = [&](auto field) {
+        if (this->*field == before.*field) this->*field = after.*field;
+    };
+    follow(&TActionState::Caption);
+    follow(&TActionState::Hint);
+    follow(&TActionState::Checked);
+    follow(&TActionState::Enabled);
+    follow(&TActionState::Visible);
+    follow(&TActionState::ImageIndex);
+    follow(&TActionState::ShortCut);
+}
+
+bool RunClick(TObject& client, TNotifyEvent onClick, TAction* action) {
+    if (onClick && !(action && onClick == action->OnExecute))
+        onClick(&client);
+    else if (action)
+        action->Execute();
+    else
+        return false;
+    return true;
+}
+
 // --- TAction ----------------------------------------------------------------------------------
 
 TAction::~TAction() {

@@ -17,6 +17,9 @@ struct TActionState {
     bool Visible = true;
     int ImageIndex = -1;
     TShortCut ShortCut = 0;
+
+    /// Takes over each value of the action that changed, where this one had the value before.
+    void Follow(const TActionState& before, const TActionState& after);
 };
 
 /// A menu item or control that shows an action and follows its changes.
@@ -86,6 +89,11 @@ private:
     TActionList* FActionList = nullptr;
     std::vector<IActionClient*> FClients;
 };
+
+/// Runs what a click on a client runs: its own handler, else its action. A handler that is the
+/// action's own goes through the action. The client may be freed meanwhile.
+/// \return false when the client has neither
+bool RunClick(TObject& client, TNotifyEvent onClick, TAction* action);
 
 /// The actions of a form, in the order in which they were put in. The list does not own them.
 class TActionList : public TComponent {

@@ -7,15 +7,6 @@
 namespace tarn {
 namespace {
 
-bool IsIdentifier(std::string_view name) {
-    const auto letter = [](char c) {
-        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
-    };
-    return !name.empty() && letter(name.front()) &&
-           std::all_of(name.begin(), name.end(),
-                       [&](char c) { return letter(c) || (c >= '0' && c <= '9'); });
-}
-
 constexpr TPropInfo ComponentProps[] = {
     Published<&TComponent::Name, &TComponent::SetName>("Name"),
 };
@@ -40,7 +31,7 @@ TComponent::~TComponent() {
 
 void TComponent::SetName(std::string_view name) {
     if (name == FName) return;
-    if (!name.empty() && !IsIdentifier(name))
+    if (!name.empty() && !IsValidIdent(name))
         throw EComponentError(Format("'%s' is not a valid component name", {name}));
     if (FOwner) FOwner->ValidateRename(this, name);
     FName = name;

@@ -19,7 +19,10 @@ constinit const TClassRecord TControl::ClassRecord{"TControl", &TComponent::Clas
 
 TControl::~TControl() {
     for (TControl* child : FControls) child->FParent = nullptr;
-    if (FParent) std::erase(FParent->FControls, this);
+    if (FParent) {
+        std::erase(FParent->FControls, this);
+        RequestAlign();
+    }
     if (FHandle != 0 && HasOS()) OS().DeallocateHWnd(FHandle);
 }
 
@@ -27,10 +30,14 @@ void TControl::SetParent(TControl* parent) {
     if (parent == FParent) return;
     for (const TControl* above = parent; above; above = above->FParent)
         if (above == this) throw EInvalidOperation("a control cannot hold itself");
-    if (FParent) std::erase(FParent->FControls, this);
+    if (FParent) {
+        std::erase(FParent->FControls, this);
+        RequestAlign();
+    }
     FParent = parent;
     if (parent) parent->FControls.push_back(this);
     StateChanged();
+    RequestAlign();
 }
 
 TControl* TControl::Controls(int index) const {
@@ -46,6 +53,7 @@ void TControl::SetText(std::string_view value) {
 void TControl::SetVisible(bool value) {
     FVisible = value;
     StateChanged();
+    RequestAlign();
 }
 
 void TControl::SetEnabled(bool value) {
@@ -80,6 +88,10 @@ void TControl::WndProc(TMessage& message) {
 
 void TControl::StateChanged() {
     if (Peer) Peer->StateChanged(*this);
+}
+
+void TControl::RequestAlign() {
+    if (FParent) FParent->AlignControls();
 }
 
 } // namespace tarn

@@ -59,6 +59,9 @@ public:
     const TRect& BoundsRect() const { return FBounds; }
     void SetBoundsRect(const TRect& value);
 
+    /// Brings the control's action up to date, when it has one.
+    virtual void InitiateAction() {}
+
     /// The control's window, made on first use.
     HWND Handle();
     bool HandleAllocated() const { return FHandle != 0; }
@@ -71,6 +74,10 @@ public:
 protected:
     virtual void WndProc(TMessage& message);
     void StateChanged();
+    /// Places the child controls; called when one has come, gone, or been shown or hidden.
+    virtual void AlignControls() {}
+    /// Has the parent place its controls anew.
+    void RequestAlign();
 
 private:
     TControl* FParent = nullptr;

@@ -28,6 +28,8 @@ constinit const TClassRecord TMenuItem::ClassRecord{"TMenuItem", &TComponent::Cl
 constinit const TClassRecord TMenu::ClassRecord{"TMenu", &TComponent::ClassRecord};
 constinit const TClassRecord TMainMenu::ClassRecord{"TMainMenu", &TMenu::ClassRecord,
                                                     CreateObject<TMainMenu>};
+constinit const TClassRecord TPopupMenu::ClassRecord{"TPopupMenu", &TMenu::ClassRecord,
+                                                     CreateObject<TPopupMenu>};
 
 std::string StripHotkey(std::string_view caption) {
     std::string result;
@@ -100,18 +102,12 @@ void TMenuItem::SetAction(TAction* action) {
 }
 
 void TMenuItem::ActionChanged(const TActionState& before, const TActionState& after) {
-    const auto follow = [&](auto field) {
-        if (FState.*field == before.*field) FState.*field = after.*field;
-    };
-    follow(&TActionState::Caption);
-    follow(&TActionState::Hint);
-    follow(&TActionState::Enabled);
-    follow(&TActionState::Visible);
-    follow(&TActionState::ImageIndex);
-    follow(&TActionState::ShortCut);
-    if (FState.Checked == before.Checked && before.Checked != after.Checked)
-        SetChecked(after.Checked);
-    MenuChanged();
+    const bool checked = FState.Checked;
+    FState.Follow(before, after);
+    if (FState.Checked != checked)
+        SetChecked(FState.Checked);
+    else
+        MenuChanged();
 }
 
 TMenuItem* TMenuItem::Items(int index) const {
@@ -152,13 +148,7 @@ void TMenuItem::Remove(TMenuItem* item) {
 }
 
 void TMenuItem::Click() {
-    if (!Enabled()) return;
-    // A handler may free the item: what is called is copied first.
-    const TNotifyEvent handler = OnClick;
-    if (handler && !(FAction && handler == FAction->OnExecute))
-        handler(this);
-    else if (FAction)
-        FAction->Execute();
+    if (Enabled()) RunClick(*this, OnClick, FAction);
 }
 
 void TMenuItem::InitiateAction() {
@@ -211,6 +201,23 @@ bool TMenu::IsShortCut(TShortCut shortCut) {
     item->InitiateAction();
     item->Click();
     return true;
+}
+
+void TMenu::InitiateActions() {
+    const auto update = [](auto& self, TMenuItem& item) -> void {
+        item.InitiateAction();
+        for (int i = 0; i < item.Count(); ++i) self(self, *item.Items(i));
+    };
+    update(update, FRoot);
+}
+
+void TPopupMenu::Popup(TComponent* component) {
+    const TWeak<TPopupMenu> alive(this);
+    PopupComponent = component;
+    if (const TNotifyEvent handler = OnPopup) handler(this);
+    if (!alive) return;
+    InitiateActions();
+    if (alive && Peer) Peer->Popup(*this);
 }
 
 } // namespace tarn

@@ -5,6 +5,7 @@
 namespace tarn {
 
 class TMenu;
+class TPopupMenu;
 
 enum TMenuAutoFlag : std::uint8_t { maAutomatic, maManual, maParent };
 inline constexpr std::string_view MenuAutoFlagNames[] = {"maAutomatic", "maManual", "maParent"};
@@ -105,6 +106,8 @@ TMenuItem* NewLine();
 class IMenuPeer {
 public:
     virtual void MenuChanged(TMenu& menu) = 0;
+    /// The menu is to be shown below its PopupComponent, which may be null.
+    virtual void Popup(TPopupMenu&) {}
 
 protected:
     ~IMenuPeer() = default;
@@ -128,6 +131,8 @@ public:
     /// Updates the item of that shortcut and clicks it; true when there is such an item, so that
     /// the key goes no further even when the item is disabled.
     bool IsShortCut(TShortCut shortCut);
+    /// Brings the actions of all items up to date.
+    void InitiateActions();
 
 private:
     TMenuItem FRoot;
@@ -140,6 +145,22 @@ public:
     const TClassRecord& ClassType() const override { return ClassRecord; }
 
     using TMenu::TMenu;
+};
+
+/// A menu that is shown when asked for, such as that of a drop-down button.
+class TPopupMenu : public TMenu {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+
+    using TMenu::TMenu;
+
+    /// Shows the menu for that component: OnPopup, where the items may still be changed, then their
+    /// actions' updates, then the front end.
+    void Popup(TComponent* component);
+    TWeak<TComponent> PopupComponent; ///< of the last Popup
+
+    TNotifyEvent OnPopup;
 };
 
 } // namespace tarn

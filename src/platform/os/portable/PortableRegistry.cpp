@@ -2,16 +2,14 @@
 // such line stays as it is when the file is written.
 
 #include "os/portable/TPortableOS.h"
+#include "rtl/SafeFile.h"
 #include "rtl/SysUtils.h"
 #include "rtl/TStrings.h"
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <system_error>
-#include <unistd.h>
 #include <vector>
 
 namespace tarn {
@@ -52,44 +50,30 @@ using TLines = std::vector<std::string>;
 
 /// The lines of the file; none when it is there but cannot be read. A missing file has no lines.
 std::optional<TLines> ReadLines(const fs::path& file) {
-    std::error_code error;
-    if (!fs::exists(file, error)) return TLines();
-    if (!fs::is_regular_file(file, error)) return std::nullopt;
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) return std::nullopt;
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
     TLines lines;
-    ForEachLine(text, [&](std::string_view line) { lines.emplace_back(line); });
+    try {
+        ForEachLine(LoadFileText(file.string()),
+                    [&](std::string_view line) { lines.emplace_back(line); });
+    } catch (const EFileError& error) {
+        if (error.Kind() != feMissing) return std::nullopt;
+    }
     return lines;
 }
 
-/// Writes a new file beside and renames it over the old one, so that a reader always finds a whole
-/// file.
+/// Replaces the file as a whole.
 bool WriteLines(const fs::path& file, const TLines& lines) {
     std::error_code error;
-    if (file.has_parent_path()) fs::create_directories(file.parent_path(), error);
     // The file behind a link is written; a link that leads nowhere has none.
-    const fs::path target = fs::is_symlink(file, error) ? fs::canonical(file, error) : file;
-    if (target.empty()) return false;
-    const bool replaces = fs::exists(target, error);
-    if (replaces && ::access(target.c_str(), W_OK) != 0) return false;
-    // The name is this process's own: another one may be writing as well.
-    const fs::path beside = target.string() + ".new" + std::to_string(::getpid());
-    {
-        std::ofstream stream(beside, std::ios::binary | std::ios::trunc);
-        for (const std::string& line : lines) stream << line << '\n';
-        if (!stream.flush()) {
-            fs::remove(beside, error);
-            return false;
-        }
+    if (fs::is_symlink(file, error) && !fs::exists(file, error)) return false;
+    if (file.has_parent_path()) fs::create_directories(file.parent_path(), error);
+    std::string text;
+    for (const std::string& line : lines) text.append(line) += '\n';
+    try {
+        SaveFileText(file.string(), text);
+    } catch (const EFileError&) {
+        return false;
     }
-    if (replaces) fs::permissions(beside, fs::status(target, error).permissions(), error);
-    error.clear();
-    fs::rename(beside, target, error);
-    if (!error) return true;
-    std::error_code ignored;
-    fs::remove(beside, ignored);
-    return false;
+    return true;
 }
 
 /// The name of the section that a line begins; empty when it begins none.

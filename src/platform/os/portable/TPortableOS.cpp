@@ -1,7 +1,6 @@
 #include "os/portable/TPortableOS.h"
 
 #include <filesystem>
-#include <span>
 #include <system_error>
 
 namespace tarn {
@@ -96,28 +95,38 @@ std::string TPortableOS::GetModuleFileName() {
     return std::filesystem::read_symlink("/proc/self/exe", error).string();
 }
 
-TDialogAnswer TPortableOS::MessageBox(HWND, std::string_view text, std::string_view caption,
-                                      std::uint32_t flags) {
-    constexpr std::uint32_t buttonMask = 15;
-    TDialogAnswer answer = IDOK;
-    if ((flags & buttonMask) == MB_YESNOCANCEL) answer = IDCANCEL;
-    if ((flags & buttonMask) == MB_YESNO) answer = IDNO;
-    if (!FAnswers.empty()) {
-        answer = FAnswers.front();
-        FAnswers.pop_front();
-    }
-    FDialogs.push_back({std::string(caption), std::string(text), flags, answer});
-    return answer;
+// --- Dialogs ----------------------------------------------------------------------------------
+
+namespace {
+
+/// The oldest entry of a queue, which loses it; none when it is empty.
+template <class T> std::optional<T> Take(std::deque<T>& queue) {
+    if (queue.empty()) return std::nullopt;
+    std::optional<T> first = std::move(queue.front());
+    queue.pop_front();
+    return first;
 }
 
-std::optional<std::string> TPortableOS::SelectDirectory(std::string_view title, std::string_view) {
-    std::optional<std::string> folder;
-    if (!FFolders.empty()) {
-        folder = FFolders.front();
-        FFolders.pop_front();
-    }
-    FDialogs.push_back({std::string(title), folder.value_or(""), 0, folder ? IDOK : IDCANCEL});
-    return folder;
+} // namespace
+
+TDialogAnswer TPortableOS::MessageBox(HWND, std::string_view text, std::string_view caption,
+                                      std::uint32_t flags) {
+    std::optional<TDialogAnswer> answer = Take(FAnswers);
+    const bool onConsole = !answer && FConsole;
+    if (onConsole) answer = FConsole->MessageBox(text, caption, flags);
+    if (!answer) answer = ButtonsOf(flags).back().Answer;
+    FDialogs.push_back({std::string(caption), std::string(text), flags, *answer, onConsole});
+    return *answer;
+}
+
+std::optional<std::string> TPortableOS::SelectDirectory(std::string_view title,
+                                                        std::string_view folder) {
+    std::optional<std::string> chosen = Take(FFolders);
+    const bool onConsole = !chosen && FConsole;
+    if (onConsole) chosen = FConsole->SelectDirectory(title, folder);
+    FDialogs.push_back(
+        {std::string(title), chosen.value_or(""), 0, chosen ? IDOK : IDCANCEL, onConsole});
+    return chosen;
 }
 
 } // namespace tarn

@@ -2,6 +2,7 @@
 
 #include "os/OS.h"
 #include "os/portable/PEStrings.h"
+#include "os/portable/TConsoleDialogs.h"
 
 #include <bitset>
 #include <deque>
@@ -11,8 +12,8 @@
 namespace tarn {
 
 /// The operating system layer without a windowing system: message windows over a queue of its own,
-/// keyboard layouts as data, dialogs answered from a queue. It remembers what a user would have
-/// seen and heard, for front ends without windows and for tests.
+/// keyboard layouts as data, dialogs answered from a queue or on a console. It remembers what a
+/// user would have seen and heard, for front ends without windows and for tests.
 class TPortableOS : public TOperatingSystem {
 public:
     HWND AllocateHWnd(TWndMethod procedure) override;
@@ -42,12 +43,18 @@ public:
     bool WriteRegistryString(std::string_view key, std::string_view name,
                              std::string_view value) override;
 
-    /// Takes the oldest queued answer; without one the cautious answer: Cancel where there is such
-    /// a button, else No, else OK.
+    TSystemHeap& ProcessHeap() override;
+    std::unique_ptr<TSystemHeap> CreateHeap(std::size_t initialSize,
+                                            std::size_t maximumSize) override;
+    std::unique_ptr<TSystemMapping> Map(const TMapFile& file) override;
+    std::unique_ptr<TSystemMapping> Map(const TMapArea& area) override;
+
+    /// Takes the oldest queued answer; without one that of the console, or the cautious answer when
+    /// there is no console either.
     TDialogAnswer MessageBox(HWND owner, std::string_view text, std::string_view caption,
                              std::uint32_t flags) override;
     void MessageBeep() override { ++FBeeps; }
-    /// Takes the oldest queued folder; without one the choice is cancelled.
+    /// Takes the oldest queued folder; without one that of the console, or none.
     std::optional<std::string> SelectDirectory(std::string_view title,
                                                std::string_view folder) override;
 
@@ -57,6 +64,7 @@ public:
         std::string Text;
         std::uint32_t Flags = 0;
         TDialogAnswer Answer = IDOK;
+        bool OnConsole = false; ///< whether the console has shown it
     };
 
     void SetKeyDown(TVirtualKey key, bool down) { FKeysDown.set(key, down); }
@@ -64,6 +72,9 @@ public:
     void SetCapture(HWND window) { FCapture = window; }
     void QueueAnswer(TDialogAnswer answer) { FAnswers.push_back(answer); }
     void QueueFolder(std::string_view folder) { FFolders.emplace_back(folder); }
+    /// Shows the dialogs for which no answer is queued; must outlive the object. Null, as it is at
+    /// first, shows them nowhere.
+    void SetConsole(TConsoleDialogs* console) { FConsole = console; }
     const std::vector<TShownDialog>& Dialogs() const { return FDialogs; }
     int Beeps() const { return FBeeps; }
     std::size_t PendingMessages() const { return FQueue.size(); }
@@ -95,6 +106,7 @@ private:
     HWND FCapture = 0;
     std::deque<TDialogAnswer> FAnswers;
     std::deque<std::string> FFolders;
+    TConsoleDialogs* FConsole = nullptr;
     std::vector<TShownDialog> FDialogs;
     std::string FModuleFileName;
     std::map<HMODULE, TPEStrings> FModules;

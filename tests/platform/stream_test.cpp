@@ -1,0 +1,321 @@
+#include "ErrorOf.h"
+#include "TTestFolder.h"
+#include "rtl/Memory.h"
+#include "rtl/TMemoryStream.h"
+#include "rtl/TStream.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace tarn {
+namespace {
+
+constexpr std::int64_t Most = std::numeric_limits<std::int64_t>::max();
+
+std::string All(TStream& stream) {
+    stream.SetPosition(0);
+    std::string text(static_cast<std::size_t>(stream.Size()), '?');
+    stream.ReadBuffer(text.data(), stream.Size());
+    return text;
+}
+
+std::string Next(TStream& stream, std::int64_t count) {
+    std::string text(static_cast<std::size_t>(std::max<std::int64_t>(count, 0)), '?');
+    text.resize(static_cast<std::size_t>(stream.Read(text.data(), count)));
+    return text;
+}
+
+/// The streams that can be written, each empty.
+struct TStreams {
+    TTestFolder Folder;
+    std::vector<std::unique_ptr<TStream>> List;
+    TStreams() {
+        List.push_back(std::make_unique<TMemoryStream>());
+        List.push_back(std::make_unique<TStringStream>());
+        List.push_back(std::make_unique<TFileStream>(Folder.File("f"), fmCreate));
+    }
+};
+
+TEST(Streams, AllKeepTheSameRules) {
+    using namespace std::string_literals;
+    for (TStreams streams; const auto& stream : streams.List) {
+        SCOPED_TRACE(stream->ClassName());
+        stream->WriteText("Hello, world");
+        EXPECT_EQ(stream->Position(), 12);
+        EXPECT_EQ(stream->Seek(-5, soFromEnd), 7);
+        EXPECT_EQ(stream->Seek(-2, soFromCurrent), 5);
+        EXPECT_EQ(stream->Size(), 12);
+        EXPECT_EQ(stream->Position(), 5);
+        EXPECT_EQ(Next(*stream, 4), ", wo");
+        EXPECT_EQ(Next(*stream, 100), "rld");
+        EXPECT_EQ(Next(*stream, 1), "");
+        stream->SetPosition(7);
+        EXPECT_EQ(Next(*stream, -1), "");
+        EXPECT_EQ(stream->Write("x", -1), 0);
+        stream->WriteText("W");
+        stream->Seek(3, soFromEnd);
+        EXPECT_EQ(Next(*stream, 1), ""); // behind the end
+        stream->WriteText("!");
+        EXPECT_EQ(All(*stream), "Hello, World\0\0\0!"s);
+        stream->SetSize(5);
+        EXPECT_EQ(stream->Position(), 5);
+        EXPECT_EQ(All(*stream), "Hello");
+        EXPECT_EQ(ErrorOf([&] { stream->Seek(Most, soFromCurrent); }).substr(0, 12),
+                  "EStreamError");
+        EXPECT_EQ(ErrorOf([&] { stream->SetSize(-1); }).substr(0, 12), "EStreamError");
+        EXPECT_EQ(All(*stream), "Hello");
+    }
+}
+
+TEST(Streams, MemoryBeforeTheStartIsNeitherReadNorWritten) {
+    for (TStreams streams; const auto& stream : {streams.List[0].get(), streams.List[1].get()}) {
+        stream->WriteText("abc");
+        EXPECT_EQ(stream->Seek(-5, soFromEnd), -2);
+        EXPECT_EQ(Next(*stream, 4), "");
+        EXPECT_EQ(stream->Write("x", 1), 0);
+        EXPECT_EQ(stream->Position(), -2);
+        EXPECT_EQ(All(*stream), "abc");
+    }
+}
+
+TEST(Streams, CopyAndTellHowMuch) {
+    TStringStream source("0123456789");
+    TStringStream target("--");
+    target.SetPosition(2);
+    source.SetPosition(4);
+    EXPECT_EQ(target.CopyFrom(source, 3), 3);
+    EXPECT_EQ(target.CopyFrom(source, 0), 10); // from the start
+    EXPECT_EQ(target.DataString(), "--4560123456789");
+    source.SetPosition(8);
+    EXPECT_EQ(source.ReadString(-1), "");
+    EXPECT_EQ(source.ReadString(9), "89");
+
+    // More than one buffer, of another class.
+    std::string large(200'000, 'a');
+    large[65'536] = 'b';
+    TMemoryStream memory;
+    TStringStream text(large);
+    EXPECT_EQ(memory.CopyFrom(text, 0), 200'000);
+    EXPECT_EQ(memory.Text(), large);
+}
+
+/// Gives and takes one byte a call, and no more than five in all.
+class TDribble : public TStream {
+public:
+    std::int64_t Read(void* buffer, std::int64_t) override {
+        if (FDone == 5) return 0;
+        *static_cast<char*>(buffer) = static_cast<char>('a' + FDone++);
+        return 1;
+    }
+    std::int64_t Write(const void*, std::int64_t) override { return FDone == 5 ? 0 : (++FDone, 1); }
+    std::int64_t Seek(std::int64_t, TSeekOrigin) override { return 0; }
+
+private:
+    int FDone = 0;
+};
+
+TEST(Streams, ReadAndWriteAllOrRaise) {
+    char buffer[6] = "";
+    TDribble().ReadBuffer(buffer, 5);
+    EXPECT_EQ(std::string_view(buffer), "abcde");
+    TDribble().WriteBuffer(buffer, 5);
+    TMemoryStream memory;
+    TTestFolder folder;
+    const std::string none = folder.File("none");
+    const std::string file = folder.File("file");
+    TFileStream(file, fmCreate).WriteText("12345");
+    TFileStream readOnly(file, fmOpenRead | fmShareDenyWrite);
+    TFileStream writeOnly(file, fmOpenWrite);
+    THandleStream closed(NoHandle);
+    const struct {
+        std::function<void()> Call;
+        std::string Error;
+    } rows[] = {
+        {[&] { TDribble().ReadBuffer(buffer, 6); }, "EReadError: stream read error: 5 of 6 bytes"},
+        {[&] { TDribble().WriteBuffer(buffer, 6); },
+         "EWriteError: stream write error: 5 of 6 bytes"},
+        {[&] { memory.ReadBuffer(buffer, -1); }, "EReadError: stream read error: 0 of -1 bytes"},
+        {[&] { memory.CopyFrom(readOnly, 6); }, "EReadError: stream read error: 5 of 6 bytes"},
+        {[&] { memory.CopyFrom(readOnly, -2); }, "EReadError: stream read error: 0 of -2 bytes"},
+        {[] { TDribble().SetSize(1); }, "EStreamError: the size of a TStream is fixed"},
+        {[&] { TFileStream(none, fmOpenReadWrite); },
+         "EFOpenError: cannot open " + none + ": no such file or directory"},
+        {[&] { TFileStream(none + "/x", fmCreate | fmShareExclusive); },
+         "EFCreateError: cannot create " + none + "/x: no such file or directory"},
+        {[&] { TFileStream(file + std::string(1, '\0'), fmOpenRead); },
+         "EFOpenError: cannot open " + file}, // the text ends at the NUL
+        {[&] { memory.LoadFromFile(none); },
+         "EFOpenError: cannot open " + none + ": no such file or directory"},
+        {[&] { memory.SaveToFile(folder.Path()); },
+         "EFCreateError: cannot create " + folder.Path() + ": is a directory"},
+        {[&] { readOnly.WriteText("x"); },
+         "EWriteError: cannot write to " + file + ": bad file descriptor"},
+        {[&] { writeOnly.Read(buffer, 1); },
+         "EReadError: cannot read " + file + ": bad file descriptor"},
+        {[&] { readOnly.SetPosition(-1); },
+         "EStreamError: cannot seek in " + file + ": invalid argument"},
+        {[&] { readOnly.SetSize(1); },
+         "EStreamError: cannot set the size of " + file + ": invalid argument"},
+        {[&] { closed.Size(); },
+         "EStreamError: cannot seek in file handle -1: bad file descriptor"},
+        {[] { TFileStream("/dev/full", fmOpenWrite).WriteText("x"); },
+         "EWriteError: cannot write to /dev/full: no space left on device"},
+        {[&] { memory.SetPointer(nullptr, 1); }, "EStreamError: 1 bytes of no memory"},
+        {[&] { memory.SetPointer(buffer, -1); }, "EStreamError: no stream has a size of -1"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(ErrorOf(row.Call), row.Error);
+}
+
+TEST(MemoryStream, GrowsInSteps) {
+    TMemoryStream stream;
+    const struct {
+        std::int64_t Size, Capacity;
+    } rows[] = {{1, 8192}, {8192, 8192}, {8193, 16384}, {100, 8192}, {0, 0}};
+    for (const auto& row : rows) {
+        stream.SetSize(row.Size);
+        EXPECT_EQ(stream.Capacity(), row.Capacity) << row.Size;
+        EXPECT_EQ(stream.Memory() == nullptr, row.Size == 0);
+    }
+}
+
+TEST(MemoryStream, SizesThatNoMemoryHoldsAreErrorsThatChangeNothing) {
+    TMemoryStream stream;
+    stream.WriteText("abc");
+    const struct {
+        std::function<void()> Call;
+        std::string Error;
+    } rows[] = {
+        {[&] { stream.SetSize(Most); },
+         "EOutOfMemory: out of memory: 9223372036854775807 bytes wanted"},
+        {[&] { stream.SetSize(Most - 8192); },
+         "EOutOfMemory: out of memory: 9223372036854767616 bytes wanted"},
+        {[&] { stream.SetSize(std::int64_t{1} << 60); },
+         "EOutOfMemory: out of memory: 1152921504606846976 bytes wanted"},
+        {[&] { stream.SetPosition(Most - 1), stream.WriteText("x"); },
+         "EOutOfMemory: out of memory: 9223372036854775807 bytes wanted"},
+        {[&] { stream.SetPosition(Most), stream.WriteText("x"); },
+         "EStreamError: stream position out of range: 1 bytes from 9223372036854775807"},
+        {[&] { stream.SetPosition(-1), stream.Seek(-Most - 1, soFromCurrent); },
+         "EStreamError: stream position out of range: -9223372036854775808 bytes from -1"},
+        {[] {
+             TStringStream text;
+             text.SetPosition(Most), text.WriteText("x");
+         },
+         "EStreamError: stream position out of range: 1 bytes from 9223372036854775807"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(ErrorOf(row.Call), row.Error);
+        EXPECT_EQ(stream.Text(), "abc");
+        EXPECT_EQ(stream.Capacity(), 8192);
+    }
+}
+
+TEST(MemoryStream, LeavesForeignMemoryToItsOwner) {
+    char foreign[] = "foreign";
+    TMemoryStream stream;
+    stream.WriteText("own");
+    void* const own = stream.Memory();
+    stream.SetPointer(foreign, 7);
+    stream.SetPosition(0);
+    stream.WriteText("F");
+    EXPECT_STREQ(foreign, "Foreign");
+
+    stream.SetPointer(own, 3); // back at its own
+    EXPECT_EQ(stream.Text(), "own");
+    stream.SetPosition(3);
+    stream.WriteText("ed");
+    EXPECT_EQ(stream.Memory(), own);
+
+    stream.SetPointer(foreign, 7);
+    stream.SetPosition(5);
+    stream.WriteText("est");
+    EXPECT_EQ(stream.Text(), "Foreiest");
+    EXPECT_STREQ(foreign, "Foreign");
+
+    stream.SetPointer(foreign, 7);
+    stream.SetSize(2);
+    EXPECT_EQ(stream.Text(), "Fo");
+    stream.SetPointer(foreign, 7);
+    stream.Clear();
+    EXPECT_EQ(stream.Memory(), nullptr);
+}
+
+TEST(MemoryStream, LoadsAndSavesWholes) {
+    TTestFolder folder;
+    TMemoryStream stream;
+    stream.WriteText("longer than the file");
+    TStringStream source("some text");
+    source.SetPosition(5);
+    stream.LoadFromStream(source);
+    EXPECT_EQ(stream.Text(), "some text");
+    EXPECT_EQ(stream.Position(), 9);
+    stream.SetPosition(2);
+    stream.SaveToFile(folder.File("f"));
+    EXPECT_EQ(stream.Position(), 2);
+    TMemoryStream other;
+    other.LoadFromFile(folder.File("f"));
+    EXPECT_EQ(other.Text(), "some text");
+    other.LoadFromStream(*std::make_unique<TStringStream>());
+    EXPECT_EQ(other.Size(), 0);
+}
+
+/// Any sizes, about the one from which blocks have pages of their own, for several blocks by turns.
+TEST(Memory, BlocksKeepTheirBytes) {
+    struct TBlock {
+        void* Memory = nullptr;
+        std::string Expected;
+    };
+    std::vector<TBlock> blocks(3);
+    std::mt19937 random(7);
+    std::size_t sizes[] = {1, 100, 4096, 128 * 1024 - 1, 128 * 1024, 200'000, 1'000'000, 5'000'000};
+    for (int i = 0; i < 400; ++i) {
+        TBlock& block = blocks[random() % blocks.size()];
+        const std::size_t former = block.Expected.size();
+        const std::size_t size = random() % 10 == 0 ? 0 : sizes[random() % std::size(sizes)];
+        block.Memory = ReallocMem(block.Memory, size);
+        ASSERT_EQ(MemSize(block.Memory), size);
+        const char fill = static_cast<char>('a' + i % 26);
+        block.Expected.resize(size, fill);
+        if (size > former)
+            std::memset(static_cast<char*>(block.Memory) + former, fill, size - former);
+        for (const TBlock& each : blocks)
+            ASSERT_EQ(std::memcmp(each.Memory ? each.Memory : "", each.Expected.data(),
+                                  each.Expected.size()),
+                      0);
+    }
+    EXPECT_EQ(ErrorOf([&] { ReallocMem(blocks[0].Memory, SIZE_MAX); }),
+              "EOutOfMemory: out of memory: 18446744073709551615 bytes wanted");
+    for (const TBlock& block : blocks) FreeMem(block.Memory);
+}
+
+/// Two large blocks that grow by turns in small steps are hardly ever moved, and never copied.
+TEST(Memory, LargeBlocksGrowInPlace) {
+    void* blocks[2] = {nullptr, nullptr};
+    int moves = 0;
+    for (std::size_t size = 128 * 1024; size <= 32u << 20; size += 4096)
+        for (void*& block : blocks) {
+            void* const former = block;
+            block = ReallocMem(block, size);
+            moves += block != former;
+        }
+    EXPECT_LT(moves, 100);
+    // Shrinking gives the pages back: fresh ones come when it grows again.
+    auto* const bytes = static_cast<char*>(ReallocMem(blocks[0], 8u << 20));
+    bytes[(8u << 20) - 1] = 'x';
+    auto* const small = ReallocMem(bytes, 4u << 20);
+    auto* const large = static_cast<char*>(ReallocMem(small, 8u << 20));
+    EXPECT_EQ(large[(8u << 20) - 1], '\0');
+    FreeMem(large);
+    FreeMem(blocks[1]);
+}
+
+} // namespace
+} // namespace tarn
