@@ -143,7 +143,10 @@ bool ShowEditor(TExpertEditor& editor) {
 } // namespace
 
 void TExpManager::EditSettings2(TObject*) {
-    if (ShowEditor(*FEditor)) DoRecreateExperts();
+    // The IDE may let the wizard go while the window stands.
+    const TIntf<IOTAWizard> alive(this);
+    if (!ShowEditor(*FEditor) || FState == msDown) return;
+    DoRecreateExperts();
 }
 
 } // namespace tarn

@@ -3,12 +3,15 @@
 #include "vcl/Forms.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <limits>
 #include <map>
 #include <memory>
+#include <sys/file.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace tarn {
@@ -30,7 +33,7 @@ bool ServiceKeyPressed(TVirtualKey key) {
 // --- Files ------------------------------------------------------------------------------------
 
 std::uint64_t GetFileSizeEx(std::string_view fileName) {
-    return TFile(fileName, fmRead).Size();
+    return TFile(fileName, fmOpenRead).Size();
 }
 
 std::uint64_t GetFileSizeEx(THandle handle) {
@@ -38,7 +41,7 @@ std::uint64_t GetFileSizeEx(THandle handle) {
 }
 
 std::string ReadFileEx(std::string_view fileName) {
-    return TFile(fileName, fmRead).ReadAll();
+    return TFile(fileName, fmOpenRead).ReadAll();
 }
 
 void WriteFileEx(std::string_view fileName, std::string_view data) {
@@ -76,7 +79,12 @@ namespace {
 /// A name among the temporary ones for the system to complete.
 std::string TempName(std::string_view directory) {
     std::string name(directory);
-    if (name.empty()) name = (std::filesystem::temp_directory_path() / "").string();
+    if (name.empty()) {
+        std::error_code error;
+        name = (std::filesystem::temp_directory_path(error) / "").string();
+        errno = error.value();
+        if (error) RaiseLastInOutError("find the directory of temporary files");
+    }
     return name + "tarn-XXXXXX";
 }
 
@@ -96,9 +104,24 @@ std::string CreateTempFile(std::string_view directory) {
     return name;
 }
 
+namespace {
+
+/// Takes the right to empty the file, until it is closed; false when another process has it.
+bool MayEmpty(const TFile& file) {
+    // A file system without locks must not keep the file growing.
+    return ::flock(file.Handle(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+} // namespace
+
 void AddLogData(std::string_view fileName, std::string_view data, std::uint64_t maxSize) {
     TFile file(fileName, fmAppend);
-    if (maxSize != 0 && maxSize <= static_cast<std::uint32_t>(file.Size())) file.Clear();
+    const auto isFull = [&] {
+        return maxSize != 0 && maxSize <= static_cast<std::uint32_t>(file.Size());
+    };
+    // The second look: another process may have emptied the file since the first one, and what it
+    // has written then must stay.
+    if (isFull() && MayEmpty(file) && isFull()) file.Clear();
     file.Write(std::string(data).append(LineBreak));
     file.Close();
 }

@@ -56,7 +56,8 @@ std::string CreateTempFile(std::string_view directory = {});
 
 /// Appends the data and a line end. A file of `maxSize` bytes or more is emptied first; 0 is no
 /// limit. The size is tested before writing, so that the file can exceed the limit by what is
-/// written last. A kept quirk: only the low 32 bits of the size are looked at.
+/// written last. A kept quirk: only the low 32 bits of the size are looked at. Processes may write
+/// to one file at a time: each entry stays whole, and one of them empties the file.
 void AddLogData(std::string_view fileName, std::string_view data, std::uint64_t maxSize);
 
 // --- Exceptions -------------------------------------------------------------------------------

@@ -66,6 +66,7 @@ void CheckAddErrorLog(TObject* sender) {
         if (const HWND window = OS().GetCapture()) OS().SendMessage(window, WM_CANCELMODE, 0, 0);
         WriteLogEntry(sender, error);
     };
+    if (!std::current_exception()) return;
     try {
         throw;
     } catch (const Exception&) {

@@ -15,8 +15,8 @@ namespace tarn {
 void Register();
 
 /// The error log's entry for an expert that catches an error itself; to be called while the
-/// exception is being handled. Errors of the platform's family reach the application's handler
-/// anyway and are logged there: for them it does nothing.
+/// exception is being handled, and does nothing when none is. Errors of the platform's family reach
+/// the application's handler anyway and are logged there: for them it does nothing.
 void CheckAddErrorLog(TObject* sender);
 
 /// The directory of the package, with its trailing separator.

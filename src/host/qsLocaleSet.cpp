@@ -12,6 +12,7 @@ constinit const TClassRecord TLocaleForm::ClassRecord{"TLocaleForm", &TForm::Cla
 namespace {
 
 constexpr int LanguageCol = 0, LibraryCol = 1;
+constexpr int ButtonWidth = 180; // pixels, for the longest caption in any language
 
 /// An action of the form, in its list.
 TAction* NewAction(TActionList* list, std::string_view name, std::string_view caption,
@@ -29,9 +30,14 @@ TAction* NewAction(TActionList* list, std::string_view name, std::string_view ca
 } // namespace
 
 TLocaleForm::TLocaleForm(TComponent* owner)
-    : TForm(owner), FLocaleGrid(new TStringGrid(this)), FActions(new TActionList(this)) {
+    : TForm(owner), FToolBar(new TToolBar(this)), FLocaleGrid(new TStringGrid(this)),
+      FActions(new TActionList(this)) {
     SetName("LocaleForm");
     SetCaption(LocaleStr(50513));
+    FToolBar->SetName("ToolBar");
+    FToolBar->SetParent(this);
+    FToolBar->SetShowCaptions(true);
+    FToolBar->SetButtonWidth(ButtonWidth);
     FLocaleGrid->SetName("LocaleGrid");
     FLocaleGrid->SetParent(this);
     FLocaleGrid->SetCell(LanguageCol, 0, LocaleStr(50506));
@@ -47,6 +53,25 @@ TLocaleForm::TLocaleForm(TComponent* owner)
     FDelete->OnUpdate = TNotifyEvent::Of<&TLocaleForm::UpdateDelete>(this);
     FSetDir = NewAction(FActions, "acSetDir", LocaleStr(50511), "Ctrl+S",
                         TNotifyEvent::Of<&TLocaleForm::SetDir>(this));
+    AddButton(FOk);
+    AddButton(FExit)->SetCaption(LocaleStr(50623)); // the action itself has no text
+    AddSeparator();
+    AddButton(FAdd);
+    AddButton(FDelete);
+    AddSeparator();
+    AddButton(FSetDir);
+}
+
+TToolButton* TLocaleForm::AddButton(TAction* action) {
+    auto* const button = new TToolButton(this);
+    if (action) button->SetName("tb" + action->Name().substr(2)); // tbAdd of acAdd
+    button->SetAction(action);
+    button->SetParent(FToolBar);
+    return button;
+}
+
+void TLocaleForm::AddSeparator() {
+    AddButton(nullptr)->SetStyle(tbsSeparator);
 }
 
 void TLocaleForm::SetModules(std::string_view commaText) {
@@ -54,10 +79,11 @@ void TLocaleForm::SetModules(std::string_view commaText) {
     pairs.SetCommaText(commaText);
     FLocaleGrid->SetRowCount(1 + pairs.Count());
     for (int i = 0; i < pairs.Count(); ++i) {
-        const std::string name = pairs.Name(i);
-        FLocaleGrid->SetCell(LanguageCol, i + 1, name);
-        FLocaleGrid->SetCell(LibraryCol, i + 1,
-                             name.empty() ? pairs[i] : pairs[i].substr(name.size() + 1));
+        const std::string& pair = pairs[i];
+        const std::size_t mark = pair.find('=');
+        const bool isPair = mark != std::string::npos;
+        FLocaleGrid->SetCell(LanguageCol, i + 1, isPair ? pair.substr(0, mark) : "");
+        FLocaleGrid->SetCell(LibraryCol, i + 1, isPair ? pair.substr(mark + 1) : pair);
     }
     FLocaleGrid->SetRow(1);
 }

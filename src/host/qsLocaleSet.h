@@ -2,13 +2,15 @@
 
 #include "vcl/Forms.h"
 #include "vcl/TStringGrid.h"
+#include "vcl/TToolBar.h"
 
 #include <string>
 #include <string_view>
 
 namespace tarn {
 
-/// The dialog of the language modules: a grid of languages and their libraries, edited in place.
+/// The dialog of the language modules: a grid of languages and their libraries, edited in place,
+/// and a tool bar with a button for each action.
 class TLocaleForm : public TForm {
 public:
     static const TClassRecord ClassRecord;
@@ -16,14 +18,15 @@ public:
 
     explicit TLocaleForm(TComponent* owner = nullptr);
 
-    /// The rows as comma text of "Language=Library" pairs. Reading leaves out the rows in which one
-    /// of the two cells, trimmed, is empty.
+    /// The rows as comma text of "Language=Library" pairs; what is no pair is shown as a library.
+    /// Reading leaves out the rows in which one of the two cells, trimmed, is empty.
     void SetModules(std::string_view commaText);
     std::string Modules() const;
 
     /// The directory of the modules; empty is the package's.
     std::string LocaleDir;
 
+    TToolBar& ToolBar() { return *FToolBar; }
     TStringGrid& LocaleGrid() { return *FLocaleGrid; }
     TAction& acExit() { return *FExit; }     ///< Esc; closes without taking the changes
     TAction& acOk() { return *FOk; }         ///< closes and takes them
@@ -39,7 +42,11 @@ private:
     void SetDir(TObject*);
     void UpdateDelete(TObject*);
 
+    TToolButton* AddButton(TAction* action);
+    void AddSeparator();
+
     // All are components of the form.
+    TToolBar* FToolBar;
     TStringGrid* FLocaleGrid;
     TActionList* FActions;
     TAction* FExit;

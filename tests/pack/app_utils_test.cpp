@@ -3,7 +3,9 @@
 #include "TPackHarness.h"
 #include "qsAppUtils.h"
 
+#include <cstdlib>
 #include <filesystem>
+#include <sys/file.h>
 #include <tuple>
 
 namespace tarn {
@@ -75,13 +77,18 @@ TEST(AppUtils, Files) {
         WriteFileEx(file, data);
         EXPECT_EQ(ReadFileEx(file), data);
         EXPECT_EQ(GetFileSizeEx(file), data.size());
-        EXPECT_EQ(GetFileSizeEx(TFile(file, fmRead).Handle()), data.size());
+        EXPECT_EQ(GetFileSizeEx(TFile(file, fmOpenRead).Handle()), data.size());
     }
     AddLogData(file, "one", 0);
     AddLogData(file, "two", 11);
     EXPECT_EQ(ReadFileEx(file), "one\r\ntwo\r\n");
     AddLogData(file, "three", 10);
     EXPECT_EQ(ReadFileEx(file), "three\r\n");
+    // Another process is about to empty the file: it does, once.
+    TFile other(file, fmAppend);
+    ASSERT_EQ(::flock(other.Handle(), LOCK_EX), 0);
+    AddLogData(file, "four", 1);
+    EXPECT_EQ(ReadFileEx(file), "three\r\nfour\r\n");
 
     const std::string none = folder + "none/x";
     EXPECT_EQ(ErrorOf([&] { ReadFileEx(none); }),
@@ -96,6 +103,12 @@ TEST(AppUtils, Files) {
               "EInOutError: cannot write to /dev/full: no space left on device");
     EXPECT_EQ(ErrorOf([] { GetFileSizeEx(-1); }),
               "EInOutError: cannot tell the size of an open file: bad file descriptor");
+    const char* const former = std::getenv("TMPDIR");
+    const std::string tmpDir = former ? former : "";
+    ::setenv("TMPDIR", none.c_str(), 1);
+    EXPECT_EQ(ErrorOf([] { CreateTempPath(); }), "EInOutError: cannot find the directory of "
+                                                 "temporary files: no such file or directory");
+    former ? ::setenv("TMPDIR", tmpDir.c_str(), 1) : ::unsetenv("TMPDIR");
     fs::remove_all(folder);
 }
 
@@ -161,6 +174,10 @@ TEST(AppUtils, Placements) {
         SetWinPlacement(other, text);
         EXPECT_EQ(GetWinPlacement(other), text);
         EXPECT_FALSE(other.Visible());
+    }
+    for (const std::string minimized : {"6", "7"}) {
+        SetWinPlacement(form, "0," + minimized + ",0,0,0,0,1,2,3,4");
+        EXPECT_EQ(form.WindowState(), wsMinimized) << minimized;
     }
     const std::string before = GetWinPlacement(form);
     for (const std::string text :

@@ -273,6 +273,32 @@ TEST(Language, ModulesDialog) {
     EXPECT_EQ(ide.Stored("ExpLocaleDir"), other.string());
 }
 
+TEST(Language, RowsOfTheModulesDialog) {
+    const struct {
+        std::string_view Modules, Rows, Read;
+    } cases[] = {
+        {"", "", ""},
+        {"A=a.dll,B=b=c.dll", "[A][a.dll] [B][b=c.dll] ", "A=a.dll,B=b=c.dll"},
+        {"junk,=x.dll,C=,==", "[][junk] [][x.dll] [C][] [][=] ", ""},
+        {"\" D = d d.dll \"", "[ D ][ d d.dll ] ", "\"D=d d.dll\""},
+    };
+    TSmallIDE ide;
+    for (const auto& c : cases) {
+        TLocaleForm form;
+        form.SetModules(c.Modules);
+        std::string rows;
+        TStringGrid& grid = form.LocaleGrid();
+        for (int row = 1; row < grid.RowCount(); ++row)
+            rows += "[" + grid.Cell(0, row) + "][" + grid.Cell(1, row) + "] ";
+        EXPECT_EQ(rows, c.Rows);
+        EXPECT_EQ(form.Modules(), c.Read);
+        // A row can be deleted only where there is one.
+        form.UpdateActions();
+        EXPECT_EQ(form.acDelete().Enabled(), !rows.empty());
+        EXPECT_EQ(form.ToolBar().Buttons(4)->Enabled(), !rows.empty());
+    }
+}
+
 TEST(Language, ThePackGoesWhileTheModulesDialogStands) {
     TLanguageIDE ide;
     TExpManager& manager = ide.Running();
