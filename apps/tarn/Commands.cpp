@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "Ini.h"
 #include "Languages.h"
 #include "Places.h"
 #include "ScriptSource.h"
@@ -9,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
@@ -40,9 +42,9 @@ std::string ReadFileText(const std::string& file) {
 /// shown when the pack does not start.
 class TRunningPack : public TSession {
 public:
-    TRunningPack() {
+    explicit TRunningPack(TConsoleDialogs* console) : TSession(console) {
         if (!StartPack())
-            throw EScriptError(ExitRefused, "the pack does not start: " + LastDialog());
+            throw EScriptError(ExitRefused, WithLastDialog("the pack does not start"));
         Ide().PumpMessages();
     }
 };
@@ -93,12 +95,12 @@ constexpr std::string_view StandardInputName = "<stdin>";
 
 } // namespace
 
-void RunScript(const std::string& file) {
+void RunScript(const std::string& file, TConsoleDialogs* console) {
     const bool standardInput = file == "-";
     const std::string text = standardInput ? ReadStandardInput() : ReadFileText(file);
     const fs::path folder = standardInput ? fs::current_path() : fs::absolute(file).parent_path();
     try {
-        TScript(folder, WriteOut).Play(text);
+        TScript(folder, WriteOut, console).Play(text);
     } catch (const EScriptError& error) {
         std::fflush(stdout);
         throw EScriptError(error.ExitCode(),
@@ -107,12 +109,12 @@ void RunScript(const std::string& file) {
     }
 }
 
-std::optional<std::string> ApplyCommand(const TApplyRequest& request) {
+std::optional<std::string> ApplyCommand(const TApplyRequest& request, TConsoleDialogs* console) {
     const bool standardInput = request.File == "-";
     if (standardInput && request.InPlace)
         throw EScriptError(ExitUsage, "standard input cannot be changed in place");
     const TWantedBlock block(request);
-    TRunningPack session;
+    TRunningPack session(console);
     TMenuItem& item = CommandItem(session, request.Command);
 
     std::optional<TTempFolder> scratch;
@@ -136,11 +138,17 @@ std::optional<std::string> ApplyCommand(const TApplyRequest& request) {
         throw EScriptError(error.ExitCode(), shownName + ": " + error.what());
     }
     const int row = view.BlockStart().Row;
-    const std::size_t dialogs = session.OS().Dialogs().size();
+    const auto& all = session.OS().Dialogs();
+    const auto dialogs = static_cast<std::ptrdiff_t>(all.size());
     if (!session.Ide().ClickMenuItem(item))
         refuse(row, request.Command + " is not available for this selection");
     session.Ide().PumpMessages();
-    if (session.OS().Dialogs().size() > dialogs) refuse(row, session.LastDialog());
+    // Whoever said yes to a question wanted what followed; every other box ends the command.
+    const auto endedBy = [](const TPortableOS::TShownDialog& shown) {
+        return shown.Answer != IDYES;
+    };
+    if (std::any_of(all.begin() + dialogs, all.end(), endedBy))
+        refuse(row, session.WithLastDialog(request.Command + " ended with a message"));
     if (session.OS().Beeps() > 0) refuse(row, request.Command + " refused the selection");
     if (request.InPlace) {
         view.Buffer().Save();
@@ -149,8 +157,8 @@ std::optional<std::string> ApplyCommand(const TApplyRequest& request) {
     return view.Buffer().Text().Text();
 }
 
-std::string BuiltMenu() {
-    return TRunningPack().MenuText(false);
+std::string BuiltMenu(TConsoleDialogs* console) {
+    return TRunningPack(console).MenuText(false);
 }
 
 // --- The error log ----------------------------------------------------------------------------
@@ -215,6 +223,10 @@ int TarnMain(int argc, char** argv) {
     std::string script;
     CLI::App* const run = app.add_subcommand("run", "Play a script of IDE actions");
     run->add_option("SCRIPT", script, "the script, - for standard input")->required();
+    bool ask = false;
+    run->add_flag(
+        "--ask", ask,
+        "show the dialogs that the script has no answer for, and ask for one at a terminal");
     run->footer(TScript::Help());
 
     TApplyRequest request;
@@ -247,6 +259,9 @@ int TarnMain(int argc, char** argv) {
 
     CLI::App* const menu = app.add_subcommand("menu", "Print the menu as the pack builds it");
 
+    std::function<void()> chosen; // the command, where it has a file of its own
+    AddIniCommand(app, chosen);
+
     std::string packageDir;
     bool clearLog = false;
     CLI::App* const log = app.add_subcommand("log", "Print the errors that the pack has logged");
@@ -262,20 +277,22 @@ int TarnMain(int argc, char** argv) {
         return Report(ExitUsage, error.what());
     }
     try {
-        if (*run) RunScript(script);
+        if (chosen) chosen();
+        TConsoleDialogs console = TConsoleDialogs::OfProcess();
+        if (*run) RunScript(script, ask ? &console : nullptr);
         if (*apply)
-            if (const auto result = ApplyCommand(request)) WriteOut(*result);
-        if (*menu) WriteOut(BuiltMenu());
+            if (const auto result = ApplyCommand(request, &console)) WriteOut(*result);
+        if (*menu) WriteOut(BuiltMenu(&console));
         if (*log) ShowLog(packageDir, clearLog);
         SetRegistryFile(registry);
         if (*langUse)
-            UseLanguage(language);
+            UseLanguage(language, &console);
         else if (*langCheck) {
             const TLanguageCheck check = CheckLanguage(library);
             WriteOut(check.Report);
             if (!check.Faultless) return ExitRefused;
         } else if (*lang)
-            WriteOut(ListLanguages());
+            WriteOut(ListLanguages(&console));
         if (std::fflush(stdout) != 0) throw EScriptError(ExitIO, "cannot write to standard output");
         return ExitDone;
     } catch (const EScriptError& error) {

@@ -6,10 +6,14 @@
 
 namespace tarn {
 
+class TConsoleDialogs;
+
 // The commands of the program. Each raises EScriptError or EFileError; the message names the place.
+// The dialogs of the IDE and the pack are shown on the console that a command is given; without one
+// their text is in the message.
 
 /// Plays a script, "-" for standard input; prints to standard output.
-void RunScript(const std::string& file);
+void RunScript(const std::string& file, TConsoleDialogs* console = nullptr);
 
 /// What `tarn apply` is told.
 struct TApplyRequest {
@@ -22,10 +26,11 @@ struct TApplyRequest {
 
 /// Runs one command of the pack on a file and gives the resulting bytes, or writes them back.
 /// A refused command changes nothing.
-std::optional<std::string> ApplyCommand(const TApplyRequest& request);
+std::optional<std::string> ApplyCommand(const TApplyRequest& request,
+                                        TConsoleDialogs* console = nullptr);
 
 /// The main menu as the pack builds it.
-std::string BuiltMenu();
+std::string BuiltMenu(TConsoleDialogs* console = nullptr);
 
 /// The error log in the directory of the package, which is the program's own when none is named; no
 /// text when there is no log.

@@ -23,10 +23,10 @@ std::string RegistryFile() {
 /// A session on the user's registry in which the menu stands.
 class TLanguageSession : public TSession {
 public:
-    TLanguageSession() {
+    explicit TLanguageSession(TConsoleDialogs* console) : TSession(console) {
         OS().SetRegistryFile(RegistryFile());
         if (!StartPack())
-            throw EScriptError(ExitRefused, "the pack does not start: " + LastDialog());
+            throw EScriptError(ExitRefused, WithLastDialog("the pack does not start"));
         Ide().PumpMessages();
     }
     TExpManager& Manager() { return *TExpManager::Instance(); }
@@ -46,8 +46,8 @@ void SetRegistryFile(const std::string& file) {
     ChosenRegistryFile() = file;
 }
 
-std::string ListLanguages() {
-    TLanguageSession session;
+std::string ListLanguages(TConsoleDialogs* console) {
+    TLanguageSession session(console);
     std::string text;
     for (const TMenuItem* entry : session.Entries())
         text += (entry->Checked() ? "* " : "  ") + entry->Caption() + "\n";
@@ -62,8 +62,8 @@ std::string ListLanguages() {
     return text;
 }
 
-void UseLanguage(const std::string& name) {
-    TLanguageSession session;
+void UseLanguage(const std::string& name, TConsoleDialogs* console) {
+    TLanguageSession session(console);
     const std::vector<TMenuItem*> entries = session.Entries();
     TMenuItem* chosen = SameText(name, "Default") ? entries.front() : nullptr;
     std::string known = "Default";

@@ -4,14 +4,17 @@
 
 namespace tarn {
 
-// The languages of the pack for the user of the program, whose choice is kept in the registry.
+class TConsoleDialogs;
+
+// The languages of the pack for the user of the program, whose choice is kept in the registry. A
+// console shows the dialogs of the IDE and the pack.
 
 /// The languages that can be chosen, one a line, the current one with a *; modules whose file is
 /// missing are named as such.
-std::string ListLanguages();
+std::string ListLanguages(TConsoleDialogs* console);
 /// Chooses a language by its internal name or the name shown, or "Default". Raises EScriptError
 /// naming those there are, or when the choice cannot be kept.
-void UseLanguage(const std::string& name);
+void UseLanguage(const std::string& name, TConsoleDialogs* console);
 
 /// What a language library lacks beside the built-in texts.
 struct TLanguageCheck {

@@ -3,8 +3,10 @@
 #include "Diff.h"
 #include "Places.h"
 #include "Settings.h"
+#include "TTrialExpert.h"
 #include "qsAppUtils.h"
 #include "vcl/TStringGrid.h"
+#include "vcl/TToolBar.h"
 
 #include <algorithm>
 #include <fstream>
@@ -76,21 +78,63 @@ std::string OrNone(std::string text) {
     return text.empty() ? "-" : text;
 }
 
-constexpr std::string_view RegistryKey = "\\Software\\TarnExperts";
-
-TStringGrid& ActiveGrid() {
-    if (const TForm* const form = Screen()->ActiveForm())
-        for (int i = 0; i < form->ComponentCount(); ++i)
-            if (auto* const grid = ClassCast<TStringGrid>(form->Components(i))) return *grid;
-    Refuse("the active form has no grid");
+/// An error log with LF for its line ends and without the times, which differ from run to run: each
+/// entry begins with an empty line and "[ time ]".
+std::string WithoutTimes(std::string_view log) {
+    TStringList lines;
+    lines.SetTextStr(log);
+    std::string text;
+    for (int i = 0; i < lines.Count(); ++i) {
+        const std::string& line = lines[i];
+        const bool isTime =
+            i > 0 && lines[i - 1].empty() && line.starts_with("[ ") && line.ends_with(" ]");
+        text += isTime ? "[ time ]\n" : Lines(line);
+    }
+    return text;
 }
 
-struct TAnswerName {
-    std::string_view Name;
-    TDialogAnswer Answer;
-};
-constexpr TAnswerName AnswerNames[] = {
-    {"ok", IDOK}, {"cancel", IDCANCEL}, {"yes", IDYES}, {"no", IDNO}};
+constexpr std::string_view RegistryKey = "\\Software\\TarnExperts";
+
+/// The first component of that class in the active form.
+/// \param what what it is called when there is none
+template <class T> T& ActiveComponent(std::string_view what) {
+    if (const TForm* const form = Screen()->ActiveForm())
+        for (int i = 0; i < form->ComponentCount(); ++i)
+            if (auto* const component = ClassCast<T>(form->Components(i))) return *component;
+    Refuse(Format("the active form has no %s", {what}));
+}
+
+TStringGrid& ActiveGrid() {
+    return ActiveComponent<TStringGrid>("grid");
+}
+
+/// The tool bar of the active form, its buttons brought up to date as while the IDE is idle.
+TToolBar& ActiveToolBar() {
+    auto& bar = ActiveComponent<TToolBar>("tool bar");
+    Screen()->ActiveForm()->UpdateActions();
+    return bar;
+}
+
+TToolButton& ButtonOf(const TToolBar& bar, std::string_view name) {
+    for (int i = 0; i < bar.ButtonCount(); ++i) {
+        TToolButton& button = *bar.Buttons(i);
+        if (SameText(button.Name(), name) || AnsiSameText(StripHotkey(button.Caption()), name))
+            return button;
+    }
+    Misuse("the tool bar has no button '" + std::string(name) + "'");
+}
+
+std::string ButtonText(const TToolButton& button) {
+    if (button.IsSeparator()) return "-";
+    std::string text = button.Caption() + " (" + button.Name() + ")";
+    const TAction* const action = button.Action();
+    if (action && action->ShortCut() != 0) text += " [" + ShortCutToText(action->ShortCut()) + "]";
+    if (button.Style() == tbsDropDown) text += " menu";
+    if (button.Down()) text += " down";
+    if (!button.Enabled()) text += " disabled";
+    if (!button.Visible()) text += " hidden";
+    return text;
+}
 
 struct TLayoutName {
     std::string_view Name;
@@ -132,7 +176,7 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
      [](TScript& s, const TStatement&) {
          if (s.FSession.PackRuns()) Refuse("the pack is started already");
          if (!s.FSession.StartPack())
-             Refuse("the pack does not start: " + s.FSession.LastDialog());
+             Refuse(s.FSession.WithLastDialog("the pack does not start"));
      }},
     {"stop", "", "unload the pack", 0, 0,
      [](TScript& s, const TStatement&) {
@@ -265,7 +309,7 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
      }},
     {"answer", "yes|no|cancel|ok", "queue the answer of the next dialog", 1, 1,
      [](TScript& s, const TStatement& st) {
-         for (const TAnswerName& named : AnswerNames)
+         for (const TDialogButton& named : DialogButtons)
              if (SameText(named.Name, st.Args[0])) {
                  s.FSession.OS().QueueAnswer(named.Answer);
                  return;
@@ -300,12 +344,30 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
          if (!action) Misuse("the active form has no action '" + st.Args[0] + "'");
          if (!action->Execute()) Refuse("'" + st.Args[0] + "' is disabled");
      }},
+    {"button", "NAME", "click a button of the active form's tool bar, by caption or component name",
+     1, 1,
+     [](TScript&, const TStatement& st) {
+         TToolButton& button = ButtonOf(ActiveToolBar(), st.Args[0]);
+         if (button.IsSeparator() || !button.Enabled() || !button.Visible())
+             Refuse("'" + st.Args[0] + "' is disabled");
+         button.Click();
+     }},
     {"registry", "NAME VALUE", "write a value of the pack's key in the script's own registry", 2, 2,
      [](TScript& s, const TStatement& st) {
          s.FSession.OS().WriteRegistryString(RegistryKey, st.Args[0], st.Args[1]);
      }},
     {"set", "PATH VALUE", "set a setting, for example EditorManagerData.SafeStringMoving False", 2,
      2, [](TScript&, const TStatement& st) { SetSetting(st.Args[0], st.Args[1]); }},
+    {"fail", "PLACE",
+     "the pack has a trial expert from its next start on, which fails in its create, init, load, "
+     "menu, update, command or destroy, or nowhere; its command is TrialItem",
+     1, 1,
+     [](TScript& s, const TStatement& st) {
+         CheckWords(st.Args, 0,
+                    {"create", "init", "load", "menu", "update", "command", "destroy", "nowhere"});
+         TTrialExpert::FailsIn = st.Args[0];
+         s.FSession.AddTrialExpert();
+     }},
     {"apply", "", "apply changed menu settings: the menu is rebuilt at the next pump", 0, 0,
      [](TScript& s, const TStatement&) {
          if (!s.FSession.PackRuns()) Refuse("the pack is not started");
@@ -454,7 +516,7 @@ const TScript::TTopic TScript::TTables::Topics[] =
              for (; s.FDialogsSeen < dialogs.size(); ++s.FDialogsSeen) {
                  const TPortableOS::TShownDialog& dialog = dialogs[s.FDialogsSeen];
                  std::string_view answer;
-                 for (const TAnswerName& named : AnswerNames)
+                 for (const TDialogButton& named : DialogButtons)
                      if (named.Answer == dialog.Answer) answer = named.Name;
                  text += Format("[%s] %s -> %s\n",
                                 {dialog.Caption, Escaped(s.Shortened(dialog.Text)), answer});
@@ -485,6 +547,13 @@ const TScript::TTopic TScript::TTables::Topics[] =
          }
          return text;
      }},
+    {"toolbar", "", "the buttons of the active form's tool bar", 0,
+     [](TScript&, const TArgs&) {
+         const TToolBar& bar = ActiveToolBar();
+         std::string text;
+         for (int i = 0; i < bar.ButtonCount(); ++i) text += Lines(ButtonText(*bar.Buttons(i)));
+         return text;
+     }},
     {"registry", "NAME", "a value of the pack's key in the registry", 1,
      [](TScript& s, const TArgs& args) {
          if (args.empty()) Misuse("print registry needs a name");
@@ -496,10 +565,12 @@ const TScript::TTopic TScript::TTables::Topics[] =
              if (args.empty()) Misuse("print setting needs a path");
              return Lines(GetSetting(args[0]));
          }},
-        {"log", "", "the pack's error log, as it stands in the scratch folder", 0,
+        {"log", "",
+         "the pack's error log, as it stands in the scratch folder, with [ time ] for the times", 0,
          [](TScript& s, const TArgs&) {
              const fs::path file = s.ScratchFile(ErrorLogName);
-             return fs::exists(file) ? s.Shortened(ReadFileEx(file.string())) : Lines("-");
+             return fs::exists(file) ? s.Shortened(WithoutTimes(ReadFileEx(file.string())))
+                                     : Lines("-");
          }},
         {"trace",
          "", "how far start-up and shut-down have got, and with which experts, newest first", 0,
@@ -567,8 +638,9 @@ std::string TScript::Help() {
 
 // --- Playing ----------------------------------------------------------------------------------
 
-TScript::TScript(fs::path folder, TOutput output)
-    : FFolder(std::move(folder)), FOutput(std::move(output)) {
+TScript::TScript(fs::path folder, TOutput output, TConsoleDialogs* console)
+    : FSession(console), FFolder(std::move(folder)), FOutput(std::move(output)) {
+    TTrialExpert::FailsIn.clear();
     // A script has a package directory and a registry of its own: it depends on nothing that the
     // user has chosen, and leaves nothing behind.
     FSession.OS().SetModuleFileName(ScratchFile("package").string());

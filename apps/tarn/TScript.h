@@ -20,7 +20,9 @@ public:
 
     /// \param folder where the names of a script's files are looked up
     /// \param output takes what the script prints, in whole lines
-    TScript(std::filesystem::path folder, TOutput output);
+    /// \param console shows the dialogs that the script has queued no answer for, and outlives the
+    /// object; null, for a script that plays the same way each time, shows them nowhere
+    TScript(std::filesystem::path folder, TOutput output, TConsoleDialogs* console = nullptr);
     TScript(const TScript&) = delete;
     TScript& operator=(const TScript&) = delete;
 

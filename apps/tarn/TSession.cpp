@@ -2,10 +2,12 @@
 
 #include "Package.h"
 #include "ScriptSource.h"
+#include "TTrialExpert.h"
 
 namespace tarn {
 
-TSession::TSession() : FFormerOS(InstallOS(&FOS)) {
+TSession::TSession(TConsoleDialogs* console) : FFormerOS(InstallOS(&FOS)) {
+    FOS.SetConsole(console);
     // The layout is the US one now: what the keys are called is kept for KeyOf.
     for (int key = 255; key >= VK_BACK; --key) {
         const std::string name = ShortCutToText(static_cast<TShortCut>(key));
@@ -21,19 +23,28 @@ TSession::~TSession() {
 
 bool TSession::StartPack() {
     FTraces.reset();
-    const bool loaded = FIde->Packages().Load({InitializePackage, Register, [this] {
-                                                   FTraces = ErrorLog();
-                                                   FinalizePackage();
-                                               }});
-    return loaded && PackRuns();
+    const auto initialize = [this] {
+        InitializePackage();
+        if (FTrialExpert) RegisterTrialExpert();
+    };
+    const auto finalize = [this] {
+        FTraces = ErrorLog();
+        FinalizePackage();
+    };
+    if (!FIde->Packages().Load({initialize, Register, finalize})) return false;
+    // A package whose start was abandoned stays loaded; the next start is to be a fresh one.
+    if (!PackRuns()) FIde->Packages().Unload();
+    return PackRuns();
 }
 
 void TSession::StopPack() {
     FIde->Packages().Unload();
 }
 
-std::string TSession::LastDialog() const {
-    return FOS.Dialogs().empty() ? std::string() : FOS.Dialogs().back().Text;
+std::string TSession::WithLastDialog(std::string message) const {
+    if (!FOS.Dialogs().empty() && !FOS.Dialogs().back().OnConsole)
+        message += ": " + FOS.Dialogs().back().Text;
+    return message;
 }
 
 TShortCut TSession::KeyOf(std::string_view text) const {

@@ -16,7 +16,9 @@ namespace tarn {
 /// drive.
 class TSession {
 public:
-    TSession();
+    /// \param console shows the dialogs for which no answer is queued, and outlives the session;
+    /// null shows them nowhere
+    explicit TSession(TConsoleDialogs* console = nullptr);
     TSession(const TSession&) = delete;
     TSession& operator=(const TSession&) = delete;
     ~TSession();
@@ -28,9 +30,12 @@ public:
     bool StartPack();
     /// Unloads the pack. Its traces are kept, see Traces.
     void StopPack();
+    /// Gives the pack one more expert from its next start on, see TTrialExpert.
+    void AddTrialExpert() { FTrialExpert = true; }
     bool PackRuns() const { return TExpManager::Instance() != nullptr; }
-    /// The text of the dialog shown last; empty when there was none.
-    std::string LastDialog() const;
+    /// The message with ": " and the text of the dialog shown last; without them when there was
+    /// none or the user has seen it on the console.
+    std::string WithLastDialog(std::string message) const;
     /// The life-cycle traces: of the pack that runs, or as they were when it was unloaded.
     TErrorLogState Traces() const { return FTraces ? *FTraces : ErrorLog(); }
 
@@ -53,6 +58,7 @@ private:
     std::optional<TIde> FIde;
     std::map<std::string, TVirtualKey, std::less<>> FKeys;
     std::optional<TErrorLogState> FTraces;
+    bool FTrialExpert = false;
 };
 
 /// The source view in front. Raises EScriptError when no file is open.

@@ -81,6 +81,8 @@ TEST_F(ApplyTest, RefusesWithAMessageAndChangesNothing) {
     } cases[] = {
         {"a\n", Left, "", "", "1 Unit1.pas:1: MoveBlockLeftOneItem refused the selection"},
         {"a;\nb\n", Sort, "", "2", "1 Unit1.pas:2: SortLinesItem refused the selection"},
+        {"a\n", "AboutFormItem", "", "",
+         "1 Unit1.pas:1: AboutFormItem ended with a message: Quellmark Wizard Pack 1.0"},
         {"", Sort, "", "", "1 Unit1.pas:1: SortLinesItem is not available for this selection"},
         {"a\n", Sort, "1:1-1:1", "",
          "1 Unit1.pas:1: SortLinesItem is not available for this selection"},

@@ -1,7 +1,10 @@
 #include "app_fixture.h"
 
 #include <cstdlib>
+#include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
 
 // The built program as a shell sees it: output, messages and exit codes.
 
@@ -13,23 +16,53 @@ protected:
     /// What a run leaves behind as "CODE|standard output|standard error", with the test's folder
     /// called DIR.
     std::string Run(const std::string& arguments, std::string_view input = {}) {
-        const auto file = [this](std::string_view name) { return (Folder.Path() / name).string(); };
-        WriteFile(file("stdin"), input);
-        const std::string command = "cd " + Folder.Path().string() + " && '" TARN_PROGRAM "' " +
-                                    arguments + " <stdin >stdout 2>stderr";
-        const int status = std::system(command.c_str()); // NOLINT(cert-env33-c)
-        std::string result = std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) + "|" +
-                             ReadFile(file("stdout")) + "|" + ReadFile(file("stderr"));
-        const std::string folder = Folder.Path().string();
-        for (std::size_t at = 0; (at = result.find(folder, at)) != std::string::npos;)
-            result.replace(at, folder.size(), "DIR");
-        return result;
+        Write("stdin", input);
+        const std::string result = Start(arguments, "stdin", "stderr");
+        return WithoutFolder(result + ReadFile(Folder.Path() / "stderr"));
+    }
+    /// The same at a terminal where the input was typed ahead, without its echo.
+    std::string RunAtTerminal(const std::string& arguments, std::string_view typed) {
+        int master = -1;
+        int slave = -1;
+        termios settings{};
+        if (openpty(&master, &slave, nullptr, nullptr, nullptr) != 0 ||
+            tcgetattr(slave, &settings) != 0)
+            return "no terminal";
+        settings.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+        EXPECT_EQ(tcsetattr(slave, TCSANOW, &settings), 0);
+        EXPECT_EQ(write(master, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+        const std::string terminal = ttyname(slave);
+        std::string result = Start(arguments, terminal, terminal);
+        close(slave); // nobody has it open any more: what is shown comes to an end
+        char shown[512];
+        for (ssize_t size; (size = read(master, shown, sizeof shown)) > 0;)
+            result.append(shown, static_cast<std::size_t>(size));
+        close(master);
+        return WithoutFolder(std::move(result));
     }
     void Write(std::string_view name, std::string_view text) {
         WriteFile(Folder.Path() / name, text);
     }
 
     TTempFolder Folder;
+
+private:
+    std::string WithoutFolder(std::string text) const {
+        const std::string folder = Folder.Path().string();
+        for (std::size_t at = 0; (at = text.find(folder, at)) != std::string::npos;)
+            text.replace(at, folder.size(), "DIR");
+        return text;
+    }
+    /// "CODE|standard output|"
+    std::string Start(const std::string& arguments, const std::string& input,
+                      const std::string& errors) {
+        const std::string command = "cd " + Folder.Path().string() + " && '" TARN_PROGRAM "' " +
+                                    arguments + " <" + input + " >stdout 2>" + errors;
+        const int status = std::system(command.c_str()); // NOLINT(cert-env33-c)
+        return std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1) + "|" +
+               ReadFile(Folder.Path() / "stdout") + "|";
+    }
 };
 
 TEST_F(ProgramTest, RunsScripts) {
@@ -71,6 +104,28 @@ TEST_F(ProgramTest, IsAFilter) {
     EXPECT_EQ(ReadFile(Folder.Path() / "Unit1.pas"), "a;\nb;\n");
     EXPECT_EQ(Run("apply SortLinesItem Nothing.pas"),
               "3||tarn: cannot read DIR/Nothing.pas: no such file or folder\n");
+}
+
+TEST_F(ProgramTest, ShowsDialogs) {
+    Write("a.pas", "b");
+    Write("close.tarn", "open a.pas\ntype x\nclose\nprint file a.pas\n");
+    constexpr std::string_view prompt =
+        "Embedded IDE: question: Save changes to DIR/a.pas?\n[y]es / [n]o / [c]ancel: ";
+    const std::string closed = "0|\"b\"\n|";
+    const std::string open = "1||";
+    const std::string refused = "tarn: close.tarn:3: the file stays open\n";
+    EXPECT_EQ(Run("run close.tarn"), open + refused);
+    EXPECT_EQ(Run("run --ask close.tarn", "n\n"),
+              open + std::string(prompt) + "cancel\n" + refused);
+    const std::string about = "Embedded IDE: information: Quellmark Wizard Pack 1.0\n";
+    EXPECT_EQ(Run("apply AboutFormItem -", "a\n"),
+              open + about + "tarn: <stdin>:1: AboutFormItem ended with a message\n");
+
+    const std::string atTerminal = RunAtTerminal("run --ask close.tarn", "what?\nn\n");
+    if (atTerminal == "no terminal") GTEST_SKIP() << "no pseudo terminal to be had";
+    EXPECT_EQ(atTerminal, closed + std::string(prompt) + "[y]es / [n]o / [c]ancel: ");
+    EXPECT_EQ(RunAtTerminal("run --ask close.tarn", "\n"),
+              open + std::string(prompt) + "cancel\n" + refused);
 }
 
 TEST_F(ProgramTest, PrintsAndClearsTheLog) {
@@ -128,6 +183,41 @@ TEST_F(ProgramTest, Languages) {
     EXPECT_EQ(Run("lang --registry reg use Russisch"), "0||");
     EXPECT_EQ(Run("lang --registry reg use default"), "0||");
     EXPECT_EQ(Run("lang --registry reg").substr(0, 21), "0|* Default (English)");
+}
+
+TEST_F(ProgramTest, ReadsAndChangesIniText) {
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {"none.ini sections", "3||tarn: cannot read none.ini: no such file or folder\n"},
+        {"none.ini sort", "3||tarn: cannot read none.ini: no such file or folder\n"},
+        {"a.ini set View Left 12", "0||"},
+        {"a.ini set view -- top -5", "0||"},
+        {"a.ini set Files 'a b' 'c = d'", "0||"},
+        {"a.ini get VIEW LEFT", "0|12\n|"},
+        {"a.ini get View Right", "1||tarn: a.ini: there is no key Right in section [View]\n"},
+        {"a.ini get 'No\ne' Right", "1||tarn: a.ini: there is no section [No\\ne]\n"},
+        {"a.ini rename View Left Zoom", "0||"},
+        {"a.ini rename View Left Zoom", "1||tarn: a.ini: there is no key Left in section [View]\n"},
+        {"a.ini sections", "0|View\nFiles\n|"},
+        {"a.ini sort", "0||"},
+        {"a.ini keys View", "0|top\nZoom\n|"},
+        {"a.ini keys None", "1||tarn: a.ini: there is no section [None]\n"},
+        {"a.ini delete View top", "0||"},
+        {"a.ini delete View top", "1||tarn: a.ini: there is no key top in section [View]\n"},
+        {"a.ini delete none", "1||tarn: a.ini: there is no section [none]\n"},
+    };
+    for (const auto& [arguments, expected] : cases)
+        EXPECT_EQ(Run("ini " + std::string(arguments)), expected) << arguments;
+    EXPECT_EQ(ReadFile(Folder.Path() / "a.ini"),
+              "[Files]\r\na b=c = d\r\n\r\n[View]\r\nZoom=12\r\n\r\n");
+    EXPECT_EQ(Run("ini a.ini delete view"), "0||");
+    EXPECT_FALSE(std::filesystem::exists(Folder.Path() / "a.ini~"));
+
+    constexpr std::string_view commented = "early=1\n; why\n[S]\na=1\n";
+    Write("b.ini", commented);
+    EXPECT_EQ(Run("ini b.ini set S b 2"), "0||tarn: b.ini: 2 left out: comments and lines before "
+                                          "any section; the former file is b.ini~\n");
+    EXPECT_EQ(ReadFile(Folder.Path() / "b.ini"), "[S]\r\na=1\r\nb=2\r\n\r\n");
+    EXPECT_EQ(ReadFile(Folder.Path() / "b.ini~"), commented);
 }
 
 } // namespace
