@@ -2,6 +2,7 @@
 
 #include "TNamedStrings.h"
 #include "bench_race.h"
+#include "rtl/SysUtils.h"
 
 #include <algorithm>
 #include <map>
@@ -16,10 +17,10 @@ namespace {
 struct TNames {
     explicit TNames(std::int64_t count) {
         for (std::int64_t i = 0; i < count; ++i)
-            Names.push_back("Expert" + std::to_string(i * 7919 % 1000003) + ".Width");
+            Names.push_back(Format("Expert%d.Width", {i * 7919 % 1000003}));
         std::mt19937 random(3);
         std::shuffle(Names.begin(), Names.end(), random);
-        for (const std::string& name : Names) Lines.push_back(name + "=" + name);
+        for (const std::string& name : Names) Lines.push_back(Format("%s=%s", {name, name}));
         Asked = Names;
         std::shuffle(Asked.begin(), Asked.end(), random);
         if (Asked.size() > MostAsked) Asked.resize(MostAsked);

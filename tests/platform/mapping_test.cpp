@@ -1,15 +1,16 @@
 #include "ErrorOf.h"
+#include "TChild.h"
 #include "TTestFolder.h"
 #include "os/TSystemHeap.h"
 #include "os/TSystemMapping.h"
 #include "os/portable/TPortableOS.h"
-#include "rtl/Memory.h"
 #include "rtl/OSError.h"
 #include "rtl/TStream.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <cstdint>
 #include <cstring>
@@ -17,8 +18,9 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <new>
+#include <sched.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace tarn {
@@ -87,23 +89,6 @@ std::size_t OpenHandles() {
     return static_cast<std::size_t>(
         std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
-
-/// A process that ends with the value of `body`; Wait gives it, or -1 when it ended otherwise.
-class TChild {
-public:
-    explicit TChild(const std::function<int()>& body) : FProcess(::fork()) {
-        if (FProcess == 0) ::_exit(body());
-    }
-    int Wait() const {
-        int status = 0;
-        return ::waitpid(FProcess, &status, 0) == FProcess && WIFEXITED(status)
-                   ? WEXITSTATUS(status)
-                   : -1;
-    }
-
-private:
-    pid_t FProcess;
-};
 
 struct Mapping : testing::Test {
     TTestFolder Folder;
@@ -280,26 +265,58 @@ TEST_F(Mapping, ANamedAreaIsSharedByProcessesAndGoesWithItsLastUser) {
     const auto fresh = System.Map(area);
     EXPECT_EQ(fresh->Size(), 6);
     EXPECT_EQ(Text(*fresh, 0, 6), std::string(6, '\0'));
-    // Names that are spelled alike are others, and those without a name are alone.
-    EXPECT_EQ(Text(*System.Map(TMapArea{name + "%", 1, maReadWrite}), 0, 1), std::string(1, '\0'));
+    // A name that is spelled like the system's name of this one is another, and those without a
+    // name are alone.
+    const std::string alike = std::string(name).replace(name.find(' '), 1, "%20");
+    EXPECT_EQ(System.Map(TMapArea{alike, 99, maReadWrite})->Size(), 99);
     fresh->Write(0, "fresh!", 6);
     EXPECT_EQ(Text(*System.Map(TMapArea{"", 6, maReadWrite}), 0, 6), std::string(6, '\0'));
 }
 
-/// Opened and closed by several processes at once, an area never fails and is never left behind.
+/// What processes agree on outside of the area.
+struct TAgreement {
+    std::atomic_flag Busy = ATOMIC_FLAG_INIT;
+    int Users = 0;
+    int Mark = 0;
+
+    template <class F> int Alone(F&& action) {
+        while (Busy.test_and_set()) ::sched_yield();
+        const int result = action();
+        Busy.clear();
+        return result;
+    }
+};
+
+/// Processes that open and close an area at the same moments have the same area whenever they have
+/// it at the same time.
 TEST_F(Mapping, AnAreaMayComeAndGoAtOnce) {
-    const TMapArea area{AreaName(), 1, maReadWrite};
-    const auto openAndClose = [&] {
-        for (int i = 0; i < 300; ++i) {
+    void* const shared = ::mmap(nullptr, sizeof(TAgreement), PROT_READ | PROT_WRITE,
+                                MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    auto& agreement = *new (shared) TAgreement;
+    const TMapArea area{AreaName(), sizeof(int), maReadWrite};
+    const auto comeAndGo = [&] {
+        int strangers = 0;
+        for (int i = 0; i < 2000; ++i) {
             const auto mapping = System.Map(area);
-            if (mapping->Size() != 1) return 1;
-            mapping->Write(0, "x", 1);
+            strangers += agreement.Alone([&] {
+                if (agreement.Users++ == 0) {
+                    ++agreement.Mark;
+                    mapping->Write(0, &agreement.Mark, sizeof(int));
+                }
+                int mark = 0;
+                mapping->Read(0, &mark, sizeof(int));
+                return int{mark != agreement.Mark};
+            });
+            ::sched_yield(); // the others come meanwhile
+            agreement.Alone([&] { return --agreement.Users; });
         }
-        return 0;
+        return strangers > 0 ? 1 : 0;
     };
-    const TChild children[] = {TChild(openAndClose), TChild(openAndClose), TChild(openAndClose)};
+    const TChild children[] = {TChild(comeAndGo), TChild(comeAndGo), TChild(comeAndGo),
+                               TChild(comeAndGo)};
     for (const TChild& child : children) EXPECT_EQ(child.Wait(), 0);
-    EXPECT_EQ(Text(*System.Map(area), 0, 1), std::string(1, '\0'));
+    EXPECT_EQ(Text(*System.Map(area), 0, 4), std::string(4, '\0')); // none is left behind
+    ::munmap(shared, sizeof(TAgreement));
 }
 
 } // namespace

@@ -67,11 +67,13 @@ TEST(Streams, AllKeepTheSameRules) {
         EXPECT_EQ(All(*stream), "Hello, World\0\0\0!"s);
         stream->SetSize(5);
         EXPECT_EQ(stream->Position(), 5);
-        EXPECT_EQ(All(*stream), "Hello");
+        stream->SetPosition(7);
+        stream->WriteText("?"); // nothing of what was there before comes back
+        EXPECT_EQ(All(*stream), "Hello\0\0?"s);
         EXPECT_EQ(ErrorOf([&] { stream->Seek(Most, soFromCurrent); }).substr(0, 12),
                   "EStreamError");
         EXPECT_EQ(ErrorOf([&] { stream->SetSize(-1); }).substr(0, 12), "EStreamError");
-        EXPECT_EQ(All(*stream), "Hello");
+        EXPECT_EQ(All(*stream), "Hello\0\0?"s);
     }
 }
 

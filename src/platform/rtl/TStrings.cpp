@@ -215,7 +215,7 @@ void TStrings::Assign(const TPersistent* source) {
 // --- TStringList ------------------------------------------------------------------------------
 
 TStringList::TStringList(std::initializer_list<std::string_view> lines) {
-    for (std::string_view line : lines) FItems.Insert(Count(), {std::string(line)});
+    for (std::string_view line : lines) FItems.Insert(FItems.Count(), {std::string(line)});
 }
 
 const TStringList::TItem& TStringList::At(int index) const {
