@@ -9,7 +9,7 @@ namespace tarn {
 /// A copy of this process that ends with what `body` returns.
 class TChild {
 public:
-    template <class F> explicit TChild(F&& body) : FProcess(::fork()) {
+    template <class F> explicit TChild(const F& body) : FProcess(::fork()) {
         if (FProcess == 0) ::_exit(Run(body));
     }
     /// Waits for the end; -1 when the child ended in another way.
@@ -21,7 +21,7 @@ public:
     }
 
 private:
-    template <class F> static int Run(F& body) {
+    template <class F> static int Run(const F& body) {
         try {
             return body();
         } catch (const std::exception&) {

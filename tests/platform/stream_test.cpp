@@ -277,7 +277,7 @@ TEST(Memory, BlocksKeepTheirBytes) {
     };
     std::vector<TBlock> blocks(3);
     std::mt19937 random(7);
-    std::size_t sizes[] = {1, 100, 4096, 128 * 1024 - 1, 128 * 1024, 200'000, 1'000'000, 5'000'000};
+    std::size_t sizes[] = {1, 100, 4096, 131'071, 131'072, 200'000, 1'000'000, 5'000'000};
     for (int i = 0; i < 400; ++i) {
         TBlock& block = blocks[random() % blocks.size()];
         const std::size_t former = block.Expected.size();
@@ -302,7 +302,7 @@ TEST(Memory, BlocksKeepTheirBytes) {
 TEST(Memory, LargeBlocksGrowInPlace) {
     void* blocks[2] = {nullptr, nullptr};
     int moves = 0;
-    for (std::size_t size = 128 * 1024; size <= 32u << 20; size += 4096)
+    for (std::size_t size = 131'072; size <= 32u << 20; size += 4096)
         for (void*& block : blocks) {
             void* const former = block;
             block = ReallocMem(block, size);

@@ -19,7 +19,7 @@ struct alignas(std::max_align_t) THeader {
     std::size_t Mapped; ///< bytes of the pages that are the block's own; 0 in the C library's heap
 };
 
-constexpr std::size_t MappedFrom = 128 * 1024;
+constexpr std::size_t MappedFrom = std::size_t{128} * 1024;
 constexpr std::size_t MaxSize = std::numeric_limits<std::ptrdiff_t>::max() / 2;
 
 THeader* HeaderOf(void* block) {

@@ -64,7 +64,7 @@ std::int64_t TStream::CopyFrom(TStream& source, std::int64_t count) {
         source.SetPosition(0);
         count = source.Size();
     }
-    constexpr std::int64_t maxBuffer = 64 * 1024;
+    constexpr std::int64_t maxBuffer = 65536;
     std::vector<char> buffer(
         static_cast<std::size_t>(std::clamp<std::int64_t>(count, 1, maxBuffer)));
     for (std::int64_t left = count; left != 0;) {
