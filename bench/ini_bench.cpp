@@ -50,7 +50,14 @@ std::size_t CountLines(std::string_view text) {
 std::size_t Parse(const std::string& text) {
     TIniStrings ini;
     ini.SetText(text);
-    return ini.HasSection("") ? 1 : 0;
+    return ini.SectionSorted() ? 0 : text.size();
+}
+
+/// The yardstick makes its index while it parses; ours comes with the first look-up.
+bool ParseAndLookUp(const std::string& text) {
+    TIniStrings ini;
+    ini.SetText(text);
+    return ini.HasKey("Section 0", KeyName(1));
 }
 
 void Shapes(benchmark::internal::Benchmark* bench) {
@@ -80,8 +87,9 @@ void ParsingAgainstGKeyFile(benchmark::State& state) {
         return loaded;
     };
     if (!parseWithGLib()) return state.SkipWithError("the yardstick refuses the document");
+    if (!ParseAndLookUp(text)) return state.SkipWithError("a key is missing");
     Race(
-        state, [&] { return Parse(text); }, parseWithGLib);
+        state, [&] { return ParseAndLookUp(text); }, parseWithGLib);
 }
 BENCHMARK(ParsingAgainstGKeyFile)->Apply(Shapes);
 #endif

@@ -49,7 +49,7 @@ public:
 private:
     void BeginSection(std::string_view name) {
         EndSection();
-        FSection = new TIniSection(name, FDocument.FMemory);
+        FSection = &FDocument.FMemory.NewSection(name);
         FSections.push_back(FSection);
     }
     void EndSection() {
@@ -87,25 +87,28 @@ void TIniMemory::Drop(std::string_view text) {
 }
 
 TIniKey& TIniMemory::NewKey(std::string_view name, std::string_view value) {
-    void* place = FFreeKeys;
-    if (FFreeKeys)
-        FFreeKeys = FFreeKeys->Right;
-    else
-        place = FKeys.allocate(sizeof(TIniKey), alignof(TIniKey));
-    return *new (place) TIniKey(name, value);
+    return FKeys.New(name, value);
 }
 
 void TIniMemory::FreeKey(TIniKey& key) {
     Drop(key.Name);
     Drop(key.Value.Text());
-    std::destroy_at(&key);
-    FFreeKeys = new (&key) TSequenceNode{.Right = FFreeKeys};
+    FKeys.Free(key);
+}
+
+TIniSection& TIniMemory::NewSection(std::string_view name) {
+    return FSections.New(name, *this);
+}
+
+void TIniMemory::FreeSection(TIniSection& section) {
+    Drop(section.Name);
+    FSections.Free(section);
 }
 
 void TIniMemory::Restart(std::string&& source) {
     // Keys and texts hold nothing but this memory: no destructor needs to run.
-    FFreeKeys = nullptr;
-    FKeys.release();
+    FSections.Release();
+    FKeys.Release();
     FTexts.release();
     FSource = std::move(source);
 }
@@ -203,7 +206,7 @@ TIniStrings::TIniStrings(std::string_view fileName) : TCustomIniFile(fileName) {
 }
 
 void TIniStrings::Clear(std::string&& source) {
-    FSections.Dispose([](TIniSection& section) { delete &section; });
+    FSections.Dispose([](TIniSection& section) { std::destroy_at(&section); });
     FMemory.Restart(std::move(source));
 }
 
@@ -303,9 +306,9 @@ void TIniStrings::UnSort() {
 // --- TIniStrings: sections and keys ------------------------------------------------------------
 
 TIniSection* TIniStrings::AddSection(std::string_view name) {
-    auto* const section = new TIniSection(FMemory.Keep(name), FMemory);
-    FSections.Add(*section);
-    return section;
+    TIniSection& section = FMemory.NewSection(FMemory.Keep(name));
+    FSections.Add(section);
+    return &section;
 }
 
 TIniKey* TIniStrings::FindKey(std::string_view section, std::string_view key) const {
@@ -362,8 +365,7 @@ void TIniStrings::EraseSection(std::string_view section) {
     if (!keys) return;
     FSections.Remove(*keys);
     keys->Clear();
-    FMemory.Drop(keys->Name);
-    delete keys;
+    FMemory.FreeSection(*keys);
 }
 
 // --- TIniStrings: lists ------------------------------------------------------------------------

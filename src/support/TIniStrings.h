@@ -28,7 +28,35 @@ struct TIniKey : TSequenceNode {
     TIniValue Value;
 };
 
-/// The memory of a document: its source, keys and texts, given back one by one or all at once.
+/// Memory for nodes of one type, given back one by one or all at once.
+template <class Node> class TNodePool {
+public:
+    template <class... Args> Node& New(Args&&... args) {
+        void* place = FFree;
+        if (FFree)
+            FFree = FFree->Right;
+        else
+            place = FNodes.allocate(sizeof(Node), alignof(Node));
+        return *new (place) Node(std::forward<Args>(args)...);
+    }
+    void Free(Node& node) {
+        std::destroy_at(&node);
+        FFree = new (&node) TSequenceNode{.Right = FFree};
+    }
+    /// Gives back everything; no destructor runs.
+    void Release() {
+        FFree = nullptr;
+        FNodes.release();
+    }
+
+private:
+    std::pmr::monotonic_buffer_resource FNodes;
+    TSequenceNode* FFree = nullptr; ///< those that were given back, linked to the right
+};
+
+class TIniSection;
+
+/// The memory of a document: its source, sections, keys and texts.
 class TIniMemory {
 public:
     /// A copy of the text, which stays where it is.
@@ -39,15 +67,20 @@ public:
     TIniKey& NewKey(std::string_view name, std::string_view value);
     /// Gives back a key with its texts.
     void FreeKey(TIniKey& key);
-    /// Gives back everything and keeps a new source, whose parts may be names and values.
+    /// A section of this name, which must be kept already.
+    TIniSection& NewSection(std::string_view name);
+    /// Gives back a section without keys, with its name.
+    void FreeSection(TIniSection& section);
+    /// Gives back everything, where the sections are destroyed already, and keeps a new source,
+    /// whose parts may be names and values.
     void Restart(std::string&& source);
     std::string_view Source() const { return FSource; }
 
 private:
     std::string FSource;
     std::pmr::unsynchronized_pool_resource FTexts;
-    std::pmr::monotonic_buffer_resource FKeys;
-    TSequenceNode* FFreeKeys = nullptr; ///< those that were given back, linked to the right
+    TNodePool<TIniKey> FKeys;
+    TNodePool<TIniSection> FSections;
 };
 
 /// The keys of one section, in their order, as a string list whose companions are the values. The

@@ -4,6 +4,7 @@
 #include "rtl/SysUtils.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <set>
 #include <string>
@@ -14,38 +15,44 @@
 
 namespace tarn {
 
-/// The first item of each name in a sequence, names without case. It is told of every change.
+/// The first item of each name in a sequence, names without case. It is told of every change. A
+/// table of open addressing: an entry stands at the place of its hash or in the run behind it.
 template <class Item> class TFirstOfName {
 public:
-    void Reserve(int count) { FGroups.reserve(static_cast<std::size_t>(count)); }
-
-    Item* Find(std::string_view name) const {
-        const auto found = FGroups.find(name);
-        return found == FGroups.end() ? nullptr : found->second.First;
+    TFirstOfName() : FEntries(16) {}
+    /// Takes up all items of a sequence.
+    explicit TFirstOfName(const TSequence<Item>& items) {
+        std::size_t size = 16;
+        while (IsFull(static_cast<std::size_t>(items.Count()), size)) size *= 2;
+        FEntries.resize(size);
+        // The hashes are made beforehand: the walks into the table then overlap in the processor.
+        std::vector<std::uint32_t> hashes;
+        hashes.reserve(static_cast<std::size_t>(items.Count()));
+        for (Item* item = items.First(); item; item = items.Next(*item))
+            hashes.push_back(HashOf(item->Name));
+        auto hash = hashes.cbegin();
+        for (Item* item = items.First(); item; item = items.Next(*item)) Add(*item, *hash++);
     }
+
+    Item* Find(std::string_view name) const { return FEntries[Place(name, HashOf(name))].First; }
 
     /// Takes up an item that stands in the sequence.
-    void Add(Item& item) {
-        const auto [at, isNew] = FGroups.try_emplace(item.Name, TGroup{&item, nullptr});
-        if (isNew) return;
-        if (!at->second.Later) at->second.Later = std::make_unique<TLater>();
-        if (TBefore()(&item, at->second.First)) {
-            at->second.Later->insert(at->second.First);
-            Lead(at, item);
-        } else
-            at->second.Later->insert(at->second.Later->end(), &item);
-    }
+    void Add(Item& item) { Add(item, HashOf(item.Name)); }
 
     /// Forgets an item, which still stands in the sequence under its name.
     void Remove(Item& item) {
-        const auto at = FGroups.find(item.Name);
-        TGroup& group = at->second;
-        if (group.First != &item)
-            group.Later->erase(&item);
-        else if (group.Later && !group.Later->empty())
-            Lead(at, *group.Later->extract(group.Later->begin()).value());
+        const std::size_t place = Place(item.Name, HashOf(item.Name));
+        TEntry& entry = FEntries[place];
+        if (!entry.Repeats) return Vacate(place);
+        const auto later = FLater.find(entry.First);
+        if (entry.First != &item)
+            later->second.erase(&item);
         else
-            FGroups.erase(at);
+            Lead(entry, *later->second.extract(later->second.begin()).value());
+        if (const auto left = FLater.find(entry.First); left->second.empty()) {
+            FLater.erase(left);
+            entry.Repeats = false;
+        }
     }
 
 private:
@@ -55,27 +62,81 @@ private:
         }
     };
     using TLater = std::set<Item*, TBefore>;
-    struct TGroup {
-        Item* First;
-        std::unique_ptr<TLater> Later; ///< the others of the name, in their order
+    struct TEntry {
+        Item* First = nullptr; ///< null in a free entry
+        std::uint32_t Hash = 0;
+        bool Repeats = false; ///< there are later items of this name
     };
-    struct THash {
-        std::size_t operator()(std::string_view name) const { return AnsiTextHash(name); }
-    };
-    struct TSame {
-        bool operator()(std::string_view a, std::string_view b) const { return AnsiSameText(a, b); }
-    };
-    // A group's key is the name of its first item.
-    using TGroups = std::unordered_map<std::string_view, TGroup, THash, TSame>;
 
-    void Lead(typename TGroups::iterator at, Item& first) {
-        auto node = FGroups.extract(at);
-        node.key() = first.Name;
-        node.mapped().First = &first;
-        FGroups.insert(std::move(node));
+    void Add(Item& item, std::uint32_t hash) {
+        TEntry& entry = FEntries[Place(item.Name, hash)];
+        if (!entry.First) {
+            entry = {&item, hash};
+            if (IsFull(++FCount, FEntries.size())) Resize(FEntries.size() * 2);
+            return;
+        }
+        Item* later = &item;
+        if (TBefore()(&item, entry.First)) {
+            later = entry.First;
+            Lead(entry, item);
+        }
+        TLater& others = FLater[entry.First];
+        others.insert(others.end(), later);
+        entry.Repeats = true;
     }
 
-    TGroups FGroups;
+    void Lead(TEntry& entry, Item& first) {
+        if (entry.Repeats) {
+            auto others = FLater.extract(entry.First);
+            others.key() = &first;
+            FLater.insert(std::move(others));
+        }
+        entry.First = &first;
+    }
+
+    static bool IsFull(std::size_t count, std::size_t size) { return count > size / 2; }
+    static std::uint32_t HashOf(std::string_view name) {
+        return static_cast<std::uint32_t>(AnsiTextHash(name));
+    }
+    std::size_t Home(std::uint32_t hash) const { return hash & (FEntries.size() - 1); }
+    std::size_t Behind(std::size_t place) const { return (place + 1) & (FEntries.size() - 1); }
+
+    /// Where the name stands or would have to stand.
+    std::size_t Place(std::string_view name, std::uint32_t hash) const {
+        std::size_t place = Home(hash);
+        while (FEntries[place].First &&
+               (FEntries[place].Hash != hash || !AnsiSameText(FEntries[place].First->Name, name)))
+            place = Behind(place);
+        return place;
+    }
+
+    /// Frees an entry and closes the gap, so that no run is broken.
+    void Vacate(std::size_t gap) {
+        FEntries[gap] = {};
+        --FCount;
+        for (std::size_t place = Behind(gap); FEntries[place].First; place = Behind(place)) {
+            const std::size_t mask = FEntries.size() - 1;
+            const std::size_t fromHome = (place - Home(FEntries[place].Hash)) & mask;
+            if (fromHome < ((place - gap) & mask)) continue;
+            FEntries[gap] = std::exchange(FEntries[place], {});
+            gap = place;
+        }
+    }
+
+    void Resize(std::size_t size) {
+        const std::vector<TEntry> old = std::exchange(FEntries, std::vector<TEntry>(size));
+        for (const TEntry& entry : old) {
+            if (!entry.First) continue;
+            std::size_t place = Home(entry.Hash);
+            while (FEntries[place].First) place = Behind(place);
+            FEntries[place] = entry;
+        }
+    }
+
+    std::vector<TEntry> FEntries; ///< a power of two of them
+    std::size_t FCount = 0;       ///< of those in use
+    /// The others of a name, in their order, by the first one.
+    std::unordered_map<Item*, TLater> FLater;
 };
 
 /// A sequence of items with a `Name`, which may repeat. Names are compared without case and
@@ -99,11 +160,7 @@ public:
             while (item && !AnsiSameText(item->Name, name)) item = Next(*item);
             return item;
         }
-        if (!FIndex) {
-            FIndex = std::make_unique<TFirstOfName<Item>>();
-            FIndex->Reserve(Count());
-            for (Item* item = First(); item; item = Next(*item)) FIndex->Add(*item);
-        }
+        if (!FIndex) FIndex = std::make_unique<TFirstOfName<Item>>(FItems);
         return FIndex->Find(name);
     }
 
