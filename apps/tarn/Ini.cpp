@@ -36,6 +36,7 @@ std::unique_ptr<TIniStrings> ReadDocument(const TRequest& request) {
 int LinesLeftOut(std::string_view text) {
     int leftOut = 0;
     bool inSection = false;
+    if (text.starts_with(Utf8Mark)) text.remove_prefix(Utf8Mark.size());
     ForEachLine(text, [&](std::string_view line) {
         const bool header = line.starts_with('[') && line.ends_with(']');
         inSection = inSection || header;

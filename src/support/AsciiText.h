@@ -1,5 +1,7 @@
 #pragma once
 
+#include "rtl/SameBytes.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -11,11 +13,11 @@ inline int AsciiCompareText(std::string_view a, std::string_view b) {
     const auto folded = [](char c) {
         return static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
     };
-    const auto [x, y] = std::mismatch(a.begin(), a.end(), b.begin(), b.end(), [&](char p, char q) {
-        return p == q || folded(p) == folded(q);
-    });
-    if (x == a.end() || y == b.end()) return (x != a.end()) - (y != b.end());
-    return folded(*x) < folded(*y) ? -1 : 1;
+    std::size_t at = SameBytes(a, b);
+    const std::size_t size = std::min(a.size(), b.size());
+    while (at < size && folded(a[at]) == folded(b[at])) ++at;
+    if (at == size) return (a.size() > size) - (b.size() > size);
+    return folded(a[at]) < folded(b[at]) ? -1 : 1;
 }
 
 } // namespace tarn

@@ -11,11 +11,9 @@ namespace {
 
 enum TIdentText : int { itNoIdentIntf = 50564, itNotUnique = 50565, itUnacceptable = 50566 };
 
-/// The interface of an object by its class's tables, or because its class is derived from it.
+/// Null for an object without it. A class that lists the interface in its table is derived from it.
 IIdentIntf* IdentIntf(TObject* object) {
-    if (!object) return nullptr;
-    IIdentIntf* const found = ObjectInterface<IIdentIntf>(*object);
-    return found ? found : dynamic_cast<IIdentIntf*>(object);
+    return dynamic_cast<IIdentIntf*>(object);
 }
 
 IIdentIntf* IdentIntf(const TIntf<IIdentIntf>& intf) {

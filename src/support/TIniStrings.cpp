@@ -9,8 +9,6 @@
 namespace tarn {
 namespace {
 
-constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
-
 /// A key line taken apart. A line without "=", or with nothing before it, is all key.
 struct TKeyLine {
     explicit TKeyLine(std::string_view line) {
@@ -238,12 +236,17 @@ void TIniStrings::LoadValues() {
 
 void TIniStrings::SetStrings(const TStrings& lines) {
     // A line may hold line breaks of its own: the lines are told apart by their sizes.
+    // The sizes are kept: the lines may be a section of this document, which ends.
     std::string source;
-    for (int i = 0; i < lines.Count(); ++i) source += lines[i];
-    Parse(std::move(source), [&lines](std::string_view left, TIniParser&& take) {
-        for (int i = 0; i < lines.Count(); ++i) {
-            take(left.substr(0, lines[i].size()));
-            left.remove_prefix(lines[i].size());
+    std::vector<std::size_t> sizes;
+    for (int i = 0; i < lines.Count(); ++i) {
+        source += lines[i];
+        sizes.push_back(lines[i].size());
+    }
+    Parse(std::move(source), [&sizes](std::string_view left, TIniParser&& take) {
+        for (const std::size_t size : sizes) {
+            take(left.substr(0, size));
+            left.remove_prefix(size);
         }
     });
 }

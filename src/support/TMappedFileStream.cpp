@@ -73,7 +73,7 @@ void TMappedFileStream::RequireSize() const {
 
 std::unique_ptr<TSystemMapping> TMappedFileStream::CreateMapping() const {
     const TMapAccess access = FReadOnly ? maReadOnly : maReadWrite;
-    if (FHandle == NoHandle) return OS().Map(TMapArea{FName, FMaximumSize, access});
+    if (FIsArea) return OS().Map(TMapArea{FName, FMaximumSize, access});
     return OS().Map(TMapFile{FHandle, FName, FMaximumSize, access});
 }
 

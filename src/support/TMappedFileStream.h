@@ -29,7 +29,8 @@ public:
     /// Over an open file, which stays the caller's.
     /// \param mapped whether it is mapped at once
     /// \param maximumSize bytes to map; a shorter file grows to it. 0 is the file as it is.
-    /// Raises EMFStreamError for a size below 0, or above 0 when it is read only.
+    /// Raises EMFStreamError for a size below 0, or above 0 when it is read only; EOSError for what
+    /// is no open file, once it is mapped.
     TMappedFileStream(THandle handle, bool mapped, std::int64_t maximumSize, bool readOnly);
     /// Opens the file, or makes it when it is missing, and closes it at the end.
     /// Raises EMFStreamError like the other, and for a missing file that is read only or without a
@@ -70,7 +71,7 @@ public:
 private:
     struct TSystemArea {};
     TMappedFileStream(TSystemArea, std::string_view name, std::int64_t maximumSize, bool readOnly)
-        : FName(name), FMaximumSize(maximumSize), FReadOnly(readOnly) {}
+        : FName(name), FMaximumSize(maximumSize), FReadOnly(readOnly), FIsArea(true) {}
 
     void RequireSize() const;
     std::unique_ptr<TSystemMapping> CreateMapping() const;
@@ -85,6 +86,7 @@ private:
     std::int64_t FSize = 0;
     std::int64_t FMaximumSize;
     bool FReadOnly;
+    bool FIsArea = false;
 };
 
 } // namespace tarn

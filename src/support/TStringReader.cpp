@@ -103,6 +103,14 @@ std::size_t Find(std::string_view text, std::string_view delimiter) {
     return found ? static_cast<std::size_t>(static_cast<const char*>(found) - text.data()) : npos;
 }
 
+/// How many of the delimiter's first bytes stand at the end of a text once it has `next` behind
+/// `matched` of them.
+std::size_t ExtendMatch(std::string_view delimiter, const std::vector<std::size_t>& borders,
+                        std::size_t matched, char next) {
+    while (matched > 0 && delimiter[matched] != next) matched = borders[matched - 1];
+    return delimiter[matched] == next ? matched + 1 : matched;
+}
+
 } // namespace
 
 TStringReader::TStringReader() = default;
@@ -148,9 +156,11 @@ template <class R> bool TStringReader::ReadChunks(R& source, std::string& text) 
     text.clear();
     std::array<char, ChunkLength> chunk; // NOLINT(cppcoreguidelines-pro-type-member-init)
     std::int64_t got = 0;
+    std::size_t matched = 0;
     while ((got = source.Read(chunk.data(), ChunkLength)) > 0) {
         const std::string_view read(chunk.data(), static_cast<std::size_t>(got));
-        const std::size_t end = AppendUpToDelimiter(text, read);
+        const std::size_t end = FBorders.empty() ? AppendUpToDelimiter(text, read)
+                                                 : AppendUpToLongDelimiter(text, read, matched);
         if (end == npos) continue;
         if (end < read.size()) StepBack(source, static_cast<std::int64_t>(read.size() - end));
         return true;
@@ -174,6 +184,31 @@ std::size_t TStringReader::AppendUpToDelimiter(std::string& text, std::string_vi
     if (at == npos) return npos;
     text.resize(from + at);
     return from + at + FDelimiter.size() - searched;
+}
+
+/// The same for a delimiter that would be looked for in many chunks again and again: takes each
+/// byte once (Knuth, Morris and Pratt). `matched` of the delimiter's bytes stand at the end of the
+/// text.
+std::size_t TStringReader::AppendUpToLongDelimiter(std::string& text, std::string_view chunk,
+                                                   std::size_t& matched) const {
+    for (std::size_t i = 0; i < chunk.size(); ++i) {
+        matched = ExtendMatch(FDelimiter, FBorders, matched, chunk[i]);
+        if (matched < FDelimiter.size()) continue;
+        text.append(chunk.substr(0, i + 1));
+        text.resize(text.size() - FDelimiter.size());
+        return i + 1;
+    }
+    text.append(chunk);
+    return npos;
+}
+
+void TStringReader::SetStringDelimiter(std::string_view delimiter) {
+    FDelimiter = delimiter;
+    FBorders.clear();
+    if (FDelimiter.size() <= ChunkLength) return;
+    FBorders.resize(FDelimiter.size());
+    for (std::size_t i = 1; i < FDelimiter.size(); ++i)
+        FBorders[i] = ExtendMatch(FDelimiter, FBorders, FBorders[i - 1], FDelimiter[i]);
 }
 
 void TStringReader::SetTargetFile(std::string_view fileName) {
@@ -206,7 +241,10 @@ std::unique_ptr<TSimpleReader> TStringReader::MakeReader(TStream* source, bool o
 }
 
 void TStringReader::Synchronize() {
-    if (FReader) FReader->FlushBuffer();
+    if (FFile)
+        SetReader();
+    else if (FReader)
+        FReader->FlushBuffer();
 }
 
 } // namespace tarn

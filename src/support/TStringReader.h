@@ -2,6 +2,7 @@
 
 #include "rtl/TStream.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -68,7 +69,7 @@ public:
 
     const std::string& StringDelimiter() const { return FDelimiter; }
     /// CR LF unless told. An empty one never matches: the whole rest is one string.
-    void SetStringDelimiter(std::string_view delimiter) { FDelimiter = delimiter; }
+    void SetStringDelimiter(std::string_view delimiter);
 
     /// Reads a file, which is mapped into memory and needs no buffer. An empty file has no strings.
     /// Raises EMFStreamError for a missing file, EOSError; the former target then stays.
@@ -80,7 +81,8 @@ public:
     /// Reads the target from where it stands, a stream with a new buffer when Buffered is set.
     void SetReader();
     /// Puts a target that is read through a buffer at the reading position. Called before anybody
-    /// else uses it.
+    /// else uses it. A file stands there anyway, wherever it was moved; what was read ahead of it
+    /// is read anew, and so seen as it is then.
     void Synchronize();
 
     std::int64_t BufferSize = 4096; ///< bytes, of the next buffer
@@ -92,8 +94,13 @@ private:
     bool ReadFromBuffer(std::string& text);
     template <class R> bool ReadChunks(R& source, std::string& text);
     std::size_t AppendUpToDelimiter(std::string& text, std::string_view chunk) const;
+    std::size_t AppendUpToLongDelimiter(std::string& text, std::string_view chunk,
+                                        std::size_t& matched) const;
 
     std::string FDelimiter = "\r\n";
+    /// Of a delimiter longer than a chunk, else empty: for each of its beginnings the length of the
+    /// longest shorter one that it ends with.
+    std::vector<std::size_t> FBorders;
     std::unique_ptr<TMappedFileStream> FFile; ///< the target when it is the reader's own
     TStream* FTarget = nullptr;
     std::string FTargetFile;

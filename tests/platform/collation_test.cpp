@@ -1,3 +1,4 @@
+#include "rtl/SameBytes.h"
 #include "rtl/SysUtils.h"
 
 #include <gtest/gtest.h>
@@ -144,10 +145,13 @@ std::vector<std::string> RandomTexts(std::size_t count) {
         "\uFFFF",
         "\U0010FFFF",
     };
+    // Long parts in common, which end within a character or at one.
+    constexpr std::string_view starts[] = {"", "Expert1", "Expert12\u0416\u0436",
+                                           "\u0416\u0436\xD0"};
     std::mt19937 random(20);
     std::vector<std::string> texts;
     while (texts.size() < count) {
-        std::string text;
+        std::string text(starts[random() % std::size(starts)]);
         for (unsigned i = random() % 5; i > 0; --i)
             if (random() % 4 == 0)
                 text += static_cast<char>(random());
@@ -182,6 +186,18 @@ TEST(Collation, IsAStrictWeakOrderAndAgreesWithItsKey) {
                 }
         }
     }
+}
+
+TEST(Collation, CountsTheBytesInCommon) {
+    const std::string text = "0123456789abcdefghij\xFF";
+    for (std::size_t size = 0; size <= text.size(); ++size)
+        for (std::size_t other = 0; other <= size; ++other) {
+            std::string changed = text;
+            if (other < size) changed[other] = '-';
+            const std::string_view a = std::string_view(text).substr(0, size);
+            EXPECT_EQ(SameBytes(a, std::string_view(changed).substr(0, size)), other);
+            EXPECT_EQ(SameBytes(a.substr(0, other), a), other);
+        }
 }
 
 TEST(Collation, BytesOfCompareText) {

@@ -3,6 +3,7 @@
 #include "TTestFolder.h"
 #include "os/TSystemHeap.h"
 #include "os/TSystemMapping.h"
+#include "os/portable/GuardedCopy.h"
 #include "os/portable/TPortableOS.h"
 #include "rtl/OSError.h"
 #include "rtl/TStream.h"
@@ -10,18 +11,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <csignal>
 #include <cstdint>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <functional>
 #include <limits>
 #include <memory>
-#include <new>
 #include <sched.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <vector>
 
 namespace tarn {
 namespace {
@@ -85,9 +86,20 @@ TEST(Heap, ZeroesWhatIsNew) {
 
 // --- Mappings ---------------------------------------------------------------------------------
 
-std::size_t OpenHandles() {
-    return static_cast<std::size_t>(
-        std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+std::vector<THandle> OpenHandles() {
+    std::vector<THandle> handles;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+        handles.push_back(std::stoi(entry.path().filename()));
+    return handles;
+}
+
+/// Handles that a program would get that this one starts.
+std::ptrdiff_t InheritedHandles() {
+    const std::vector<THandle> handles = OpenHandles();
+    return std::count_if(handles.begin(), handles.end(), [](THandle handle) {
+        const int flags = ::fcntl(handle, F_GETFD);
+        return flags >= 0 && (flags & FD_CLOEXEC) == 0;
+    });
 }
 
 struct Mapping : testing::Test {
@@ -164,7 +176,7 @@ TEST_F(Mapping, FailuresLeaveNothingOpenAndNoFileLonger) {
          },
          "cannot open memory area " + std::string(300, 'a') + ": invalid argument"},
     };
-    const std::size_t handles = OpenHandles();
+    const std::vector<THandle> handles = OpenHandles();
     for (const auto& row : rows) EXPECT_EQ(ErrorOf(row.Call), "EOSError: " + row.Error);
     EXPECT_EQ(OpenHandles(), handles);
     EXPECT_EQ(file.Size(), 5);
@@ -202,29 +214,89 @@ TEST_F(Mapping, AFileThatAnotherProcessShortensIsAnError) {
     EXPECT_EQ(Text(*mapping, 0, 2), std::string(2, '\0'));
 }
 
-/// Touches a page that its file has lost, outside of any copy.
-void TouchLostPage(const std::string& name) {
+TEST_F(Mapping, ReleasesItsViewAndKeepsItsHandlesFromOtherPrograms) {
+    WriteFile(5, 'x');
+    const auto mapped = [&] {
+        return TFile("/proc/self/maps", fmOpenRead).ReadAll().find(Name) != std::string::npos;
+    };
+    const std::ptrdiff_t inherited = InheritedHandles();
+    {
+        const TFileStream file(Name, fmOpenRead);
+        const auto mapping = Map(0);
+        const auto named = System.Map(TMapArea{AreaName(), 1, maReadWrite});
+        const auto nameless = System.Map(TMapArea{"", 1, maReadWrite});
+        EXPECT_TRUE(mapped());
+        EXPECT_EQ(InheritedHandles(), inherited);
+    }
+    EXPECT_FALSE(mapped());
+}
+
+/// A page of a file that has lost it, behind one that it has. The file goes, with its folder, since
+/// the process will end without cleaning up.
+const char* LostPage(const std::string& name, std::int64_t page) {
     const TFileStream file(name, fmOpenRead);
-    const auto* const view = static_cast<const volatile char*>(
-        ::mmap(nullptr, 1, PROT_READ, MAP_SHARED, file.Handle(), 0));
-    if (::truncate(name.c_str(), 0) == 0) (void)view[0];
+    void* const view = ::mmap(nullptr, static_cast<std::size_t>(3 * page), PROT_READ, MAP_SHARED,
+                              file.Handle(), 0);
+    if (::truncate(name.c_str(), page) != 0) return nullptr;
+    std::filesystem::remove_all(std::filesystem::path(name).parent_path());
+    return static_cast<const char*>(view) + page;
+}
+
+/// A copy so deep in the stack that nothing after it writes over what it leaves there.
+bool CopyOneByteDeep(const char* source, const TGuardedRange& range) {
+    volatile char room[1 << 16];
+    char byte = 0;
+    room[0] = GuardedCopy(&byte, source, 1, range);
+    return room[0] != 0;
 }
 
 TEST_F(Mapping, OtherFaultsGoToTheFormerHandler) {
     GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process where no handler stands yet
-    EXPECT_EXIT(
-        {
-            std::signal(SIGBUS, [](int) { ::_exit(7); });
-            WriteFile(10, 'x');
-            const auto mapping = Map(0);
-            TouchLostPage(Name);
+    const auto page = ::sysconf(_SC_PAGESIZE);
+    const auto size = static_cast<std::size_t>(page);
+    const auto end = [](int) { ::_exit(7); };
+    using TAct = std::function<void(const char*)>;
+    const auto touch = [](const volatile char* lost) { (void)lost[0]; };
+    const TAct acts[] = {
+        touch,
+        [&](const char* lost) {
+            CopyOneByteDeep(lost, {lost - size, size});
         },
-        testing::ExitedWithCode(7), "");
+        [&](const char* lost) {
+            CopyOneByteDeep(lost, {lost + size, size});
+        },
+        // Outside of a copy, after one that went well and one that did not.
+        [&](const char* lost) {
+            if (CopyOneByteDeep(lost - 1, {lost - size, 2 * size})) touch(lost);
+        },
+        [&](const char* lost) {
+            if (!CopyOneByteDeep(lost, {lost, 1})) touch(lost);
+        },
+    };
+    for (const TAct& act : acts)
+        for (const bool withInfo : {false, true})
+            EXPECT_EXIT(
+                {
+                    struct sigaction action {};
+                    action.sa_handler = end;
+                    if (withInfo) {
+                        action.sa_flags = SA_SIGINFO;
+                        action.sa_sigaction = [](int, siginfo_t* info, void*) {
+                            ::_exit(info->si_addr ? 7 : 8);
+                        };
+                    }
+                    ::sigaction(SIGBUS, &action, nullptr);
+                    InstallCopyGuard();
+                    WriteFile(3 * page, 'x');
+                    act(LostPage(Name, page));
+                },
+                testing::ExitedWithCode(7), "");
     EXPECT_DEATH(
         {
-            WriteFile(10, 'x');
-            const auto mapping = Map(0);
-            TouchLostPage(Name);
+            std::signal(SIGBUS, SIG_DFL);
+            InstallCopyGuard();
+            WriteFile(3 * page, 'x');
+            touch(LostPage(Name, page));
         },
         "");
 }
@@ -270,53 +342,41 @@ TEST_F(Mapping, ANamedAreaIsSharedByProcessesAndGoesWithItsLastUser) {
     const std::string alike = std::string(name).replace(name.find(' '), 1, "%20");
     EXPECT_EQ(System.Map(TMapArea{alike, 99, maReadWrite})->Size(), 99);
     fresh->Write(0, "fresh!", 6);
+    EXPECT_EQ(TChild([&] {
+                  constexpr uid_t nobody = 65534;
+                  if (::setuid(nobody) != 0) return 0; // another user can be none but by the first
+                  for (const auto& entry : std::filesystem::directory_iterator("/dev/shm"))
+                      if (entry.path().string().find(Folder.Path().substr(6)) !=
+                              std::string::npos &&
+                          ::access(entry.path().c_str(), R_OK) == 0)
+                          return 1;
+                  return Text(*System.Map(area), 0, 6) == std::string(6, '\0') ? 0 : 2;
+              }).Wait(),
+              0);
     EXPECT_EQ(Text(*System.Map(TMapArea{"", 6, maReadWrite}), 0, 6), std::string(6, '\0'));
 }
 
-/// What processes agree on outside of the area.
-struct TAgreement {
-    std::atomic_flag Busy = ATOMIC_FLAG_INIT;
-    int Users = 0;
-    int Mark = 0;
-
-    template <class F> int Alone(F&& action) {
-        while (Busy.test_and_set()) ::sched_yield();
-        const int result = action();
-        Busy.clear();
-        return result;
-    }
-};
-
-/// Processes that open and close an area at the same moments have the same area whenever they have
-/// it at the same time.
+/// Processes that open and close an area at the same moments: whoever has it has the one that goes
+/// by its name.
 TEST_F(Mapping, AnAreaMayComeAndGoAtOnce) {
-    void* const shared = ::mmap(nullptr, sizeof(TAgreement), PROT_READ | PROT_WRITE,
-                                MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    auto& agreement = *new (shared) TAgreement;
-    const TMapArea area{AreaName(), sizeof(int), maReadWrite};
-    const auto comeAndGo = [&] {
+    constexpr int processes = 4;
+    const TMapArea area{AreaName(), processes, maReadWrite};
+    const auto comeAndGo = [&](int process) {
         int strangers = 0;
-        for (int i = 0; i < 2000; ++i) {
+        for (int i = 0; i < 3000; ++i) {
             const auto mapping = System.Map(area);
-            strangers += agreement.Alone([&] {
-                if (agreement.Users++ == 0) {
-                    ++agreement.Mark;
-                    mapping->Write(0, &agreement.Mark, sizeof(int));
-                }
-                int mark = 0;
-                mapping->Read(0, &mark, sizeof(int));
-                return int{mark != agreement.Mark};
-            });
-            ::sched_yield(); // the others come meanwhile
-            agreement.Alone([&] { return --agreement.Users; });
+            const char mark = static_cast<char>('a' + i % 26);
+            mapping->Write(process, &mark, 1);
+            if (i % 2) ::sched_yield(); // the others come and go meanwhile
+            strangers += Text(*System.Map(area), process, 1)[0] != mark;
         }
         return strangers > 0 ? 1 : 0;
     };
-    const TChild children[] = {TChild(comeAndGo), TChild(comeAndGo), TChild(comeAndGo),
-                               TChild(comeAndGo)};
+    std::vector<TChild> children;
+    children.reserve(processes);
+    for (int i = 0; i < processes; ++i) children.emplace_back([&] { return comeAndGo(i); });
     for (const TChild& child : children) EXPECT_EQ(child.Wait(), 0);
-    EXPECT_EQ(Text(*System.Map(area), 0, 4), std::string(4, '\0')); // none is left behind
-    ::munmap(shared, sizeof(TAgreement));
+    EXPECT_EQ(Text(*System.Map(area), 0, processes), std::string(processes, '\0')); // none is left
 }
 
 } // namespace

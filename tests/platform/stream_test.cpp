@@ -1,18 +1,26 @@
 #include "ErrorOf.h"
+#include "TChild.h"
 #include "TTestFolder.h"
 #include "rtl/Memory.h"
+#include "rtl/OSError.h"
 #include "rtl/TMemoryStream.h"
 #include "rtl/TStream.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <random>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
 #include <vector>
 
 namespace tarn {
@@ -176,6 +184,35 @@ TEST(Streams, ReadAndWriteAllOrRaise) {
     for (const auto& row : rows) EXPECT_EQ(ErrorOf(row.Call), row.Error);
 }
 
+TEST(Streams, FilesHaveModes) {
+    TTestFolder folder;
+    const std::string name = folder.File("f");
+    const struct {
+        TFileMode Mode;
+        std::string_view Write, Contents;
+    } rows[] = {{fmAppend, "12", "12"},
+                {fmAppend | fmShareDenyWrite, "34", "1234"},
+                {fmOpenReadWrite | fmShareDenyNone, "56", "5634"},
+                {fmOpenWrite | fmShareExclusive, "7", "7634"},
+                {fmCreate | fmShareDenyRead, "8", "8"}};
+    for (const auto& row : rows) {
+        TFileStream(name, row.Mode).WriteText(row.Write);
+        TFileStream file(name, fmOpenRead);
+        EXPECT_EQ(All(file), row.Contents);
+    }
+    // A device that is full takes what it can, and says the rest.
+    EXPECT_EQ(TChild([&] {
+                  const rlimit most = {5, 5};
+                  ::signal(SIGXFSZ, SIG_IGN);
+                  ::setrlimit(RLIMIT_FSIZE, &most);
+                  TFileStream file(name, fmCreate);
+                  if (file.Write("123456789", 9) != 5) return 1;
+                  return int{ErrorOf([&] { file.WriteText("6"); }) !=
+                             "EWriteError: cannot write to " + name + ": file too large"};
+              }).Wait(),
+              0);
+}
+
 TEST(MemoryStream, GrowsInSteps) {
     TMemoryStream stream;
     const struct {
@@ -207,6 +244,8 @@ TEST(MemoryStream, SizesThatNoMemoryHoldsAreErrorsThatChangeNothing) {
          "EStreamError: stream position out of range: 1 bytes from 9223372036854775807"},
         {[&] { stream.SetPosition(-1), stream.Seek(-Most - 1, soFromCurrent); },
          "EStreamError: stream position out of range: -9223372036854775808 bytes from -1"},
+        {[] { TStringStream().SetSize(Most); },
+         "EOutOfMemory: out of memory: 9223372036854775807 bytes wanted"},
         {[] {
              TStringStream text;
              text.SetPosition(Most), text.WriteText("x");
@@ -245,6 +284,10 @@ TEST(MemoryStream, LeavesForeignMemoryToItsOwner) {
     stream.SetPointer(foreign, 7);
     stream.SetSize(2);
     EXPECT_EQ(stream.Text(), "Fo");
+    std::string large(100'000, 'l'); // which its own block does not hold
+    stream.SetPointer(large.data(), 100'000);
+    stream.SetSize(2);
+    EXPECT_EQ(stream.Text(), "ll");
     stream.SetPointer(foreign, 7);
     stream.Clear();
     EXPECT_EQ(stream.Memory(), nullptr);
@@ -316,7 +359,34 @@ TEST(Memory, LargeBlocksGrowInPlace) {
     auto* const large = static_cast<char*>(ReallocMem(small, 8u << 20));
     EXPECT_EQ(large[(8u << 20) - 1], '\0');
     FreeMem(large);
+    unsigned char present = 0;
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    EXPECT_EQ(::mincore(large - reinterpret_cast<std::uintptr_t>(large) % page, page, &present),
+              -1);
     FreeMem(blocks[1]);
+}
+
+/// Where addresses run out a block grows without the usual reserve, and at last not at all.
+TEST(Memory, IsOutAtTheLimitOfTheProcess) {
+    constexpr std::size_t size = 100u << 20;
+    EXPECT_EQ(TChild([&] {
+                  auto* block = static_cast<char*>(GetMem(size));
+                  block[size - 1] = 'x';
+                  std::ifstream statm("/proc/self/statm");
+                  std::size_t pages = 0;
+                  statm >> pages;
+                  const rlim_t most = pages * std::size_t(::sysconf(_SC_PAGESIZE)) + (30u << 20);
+                  const rlimit limit = {most, most};
+                  ::setrlimit(RLIMIT_AS, &limit);
+                  block = static_cast<char*>(ReallocMem(block, size + (20u << 20)));
+                  try {
+                      ReallocMem(block, 2 * size);
+                  } catch (const EOSError& error) {
+                      return error.ErrorCode() == ENOMEM && block[size - 1] == 'x' ? 0 : 1;
+                  }
+                  return 2;
+              }).Wait(),
+              0);
 }
 
 } // namespace

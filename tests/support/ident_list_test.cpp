@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 
 namespace tarn {
 namespace {
@@ -29,18 +31,24 @@ constexpr TInterfaceEntry NamedInterfaces[] = {Implements<TNamed, IIdentIntf>()}
 const TClassRecord TNamed::ClassRecord{
     "TNamed", &TPersistent::ClassRecord, CreateObject<TNamed>, {}, NamedInterfaces};
 
-/// A counted object, which takes itself off the living ones at its end.
+/// A counted object, which takes itself off the living ones at its end, and then may look at a list
+/// that it was in.
 class TCounted : public TInterfacedObject<IIdentIntf> {
 public:
-    TCounted(std::string_view ident, std::string& living) : FIdent(ident), FLiving(living) {
+    TCounted(std::string_view ident, std::string& living, std::function<void()> atEnd = {})
+        : FIdent(ident), FLiving(living), FAtEnd(std::move(atEnd)) {
         FLiving += FIdent;
     }
-    ~TCounted() override { FLiving.erase(FLiving.find(FIdent), FIdent.size()); }
+    ~TCounted() override {
+        FLiving.erase(FLiving.find(FIdent), FIdent.size());
+        if (FAtEnd) FAtEnd();
+    }
     std::string GetIdent() override { return FIdent; }
 
 private:
     std::string FIdent;
     std::string& FLiving;
+    std::function<void()> FAtEnd;
 };
 
 template <class List> std::string Dump(const List& list) {
@@ -92,6 +100,8 @@ TEST(IdentList, AddsInOrderOrLeavesTheListAsItIs) {
         TNamed items[] = {TNamed("b"), TNamed("_a"), TNamed("ABB"), TNamed("Z_")};
         TIdentList list;
         for (TNamed& item : items) list.Add(&item);
+        EXPECT_EQ(Result([&] { return list.Add(&items[0]); }),
+                  "EIdentListError: Identifier value must be unique [b]");
         TNamed added(c.Ident);
         EXPECT_EQ(Result([&] { return list.Add(&added); }), c.Result);
         EXPECT_EQ(Dump(list), c.List.empty() ? "ABB b Z_ _a " : c.List) << c.Ident;
@@ -166,12 +176,23 @@ TEST(IdentList, CountsReferences) {
     EXPECT_EQ(living, "");
 }
 
+TEST(IdentList, ShowsAnItemAtItsEndTheListWithoutIt) {
+    std::string living, seen;
+    TIdentIntfList list;
+    for (const char* ident : {"a", "b", "c"})
+        list.Add(new TCounted(ident, living, [&] { seen += Dump(list) + "|"; }));
+    list.Delete(0);
+    EXPECT_EQ(seen, "b c |");
+    list.Clear();
+    EXPECT_EQ(seen, "b c |||");
+}
+
 TEST(IdentList, AgreesWithAMap) {
     std::mt19937 random(5);
     TIdentList list;
     std::map<std::string, std::unique_ptr<TNamed>> model; // by the identifier in capitals
     for (int step = 0; step < 5000; ++step) {
-        std::string ident;
+        std::string ident = random() % 2 ? "Expert_" : ""; // compared by the letter and by the word
         for (unsigned i = random() % 3 + 1; i > 0; --i) ident += "aBcD_"[random() % 5];
         const std::string key = UpperCase(ident);
         auto item = std::make_unique<TNamed>(ident);

@@ -38,7 +38,8 @@ TEST(IniStrings, ParsesAndPrints) {
         {"[[a]]\rb=1\r[A=B]\r[", "[[a]]|b=1||[A=B]|[|", "[[a]]|b=1||[A=B]|"},
         {std::string_view("[a\0b]\nc\0d=e\0f", 13), std::string_view("[a\0b]|c\0d=e\0f|", 14),
          std::string_view("[a\0b]|c\0d=e\0f|", 14)},
-        {"[S]\na=1\n[s]\nb=2\na=3\nA=4", "[S]|a=1||[s]|b=2|a=3|A=4|", "[S]|a=1||[s]|b=2|a=3|A=4|"},
+        {"[S]\na=1\n[s]\nb=2\na=3\nA=4\n[S]\na", "[S]|a=1||[s]|b=2|a=3|A=4||[S]|a|",
+         "[S]|a=1||[s]|b=2|a=3|A=4||[S]|"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.Text);
@@ -92,8 +93,42 @@ TEST(IniStrings, ReadsWritesRenamesAndDeletes) {
     EXPECT_EQ(Joined(list), "key=3|empty");
     ini.ReadSectionValues("none", list);
     EXPECT_EQ(list.Count(), 0);
+    list.Add("old");
+    ini.ReadSection("none", list);
+    EXPECT_EQ(list.Count(), 0);
     EXPECT_TRUE(ini.HasSection("Ä") && ini.HasKey("ä", "EMPTY") && ini.SectionExists("new"));
-    EXPECT_FALSE(ini.HasSection("none") || ini.HasKey("none", "") || ini.ValueExists("ä", "x"));
+    EXPECT_FALSE(ini.HasSection("none") || ini.HasKey("none", "") || ini.ValueExists("ä", "x") ||
+                 ini.SectionExists("none"));
+}
+
+TEST(IniStrings, LinesInAndOut) {
+    // A line is a line, also with breaks in it.
+    const TStringList source{"[S]", "k=a\n[T]", "old=1", ";\nx=1"};
+    TIniStrings ini;
+    ini.SetStrings(source);
+    EXPECT_EQ(Joined(ini), "[S]|k=a\n[T]|old=1|");
+
+    TStringList lines{"before"};
+    int changes = 0;
+    const auto count = [&changes](TObject*) { ++changes; };
+    lines.OnChange = TNotifyEvent::Calling(count);
+    ini.GetStrings(lines);
+    EXPECT_EQ(Joined(lines), "before|[S]|k=a\n[T]|old=1|");
+    EXPECT_EQ(changes, 1);
+
+    // A new document shares nothing with keys that the former one had given back.
+    ini.DeleteKey("S", "k");
+    ini.SetStrings(source);
+    ini.IgnoreBareLines = true;
+    for (const char* line : {"bare", "=bare", "e=", "new=2"}) ini.AddString("s", line);
+    ini.WriteString("S", "", "bare");
+    EXPECT_EQ(Joined(ini), "[S]|k=a\n[T]|old=1|e|new=2|");
+
+    // The lines may be a section of the document itself.
+    ini.IgnoreBareLines = false;
+    ini.ReplaceString("S", "k", "[keys]");
+    ini.SetStrings(*ini.GetSection("S"));
+    EXPECT_EQ(Joined(ini), "[keys]|old|e|new|");
 }
 
 TEST(IniStrings, SortsStablyAndKeepsThePlaceOfNewKeys) {
@@ -130,7 +165,9 @@ TEST(IniStrings, SectionIsAStringListWithValuesAsCompanions) {
     keys.TStrings::Add("b");
     keys.Insert(0, "a");
     EXPECT_EQ(TStrings::ClassRecord.Name, keys.ClassName());
+    EXPECT_EQ(Joined(keys), "a|b");
     keys.Put(1, "c");
+    EXPECT_EQ(Joined(keys), "a|c");
     ini.WriteString("s", "C", "v");
     EXPECT_EQ(dynamic_cast<TIniValue&>(*keys.GetObject(1)).Text(), "v");
     EXPECT_EQ(Joined(ini), "[S]|a|c=v|");
@@ -181,6 +218,11 @@ TEST(IniStrings, FileIsReadAndReplacedAsAWhole) {
     EXPECT_EQ(missing.ReadString("S", "k", ""), "w");
     missing.UpdateFile();
     EXPECT_EQ(LoadFileText(file), "\xEF\xBB\xBF[S]\r\nk=w\r\n\r\n");
+
+    SaveFileText(file, "[S]\nk=x");
+    missing.LoadValues();
+    missing.UpdateFile();
+    EXPECT_EQ(LoadFileText(file), "[S]\r\nk=x\r\n\r\n");
 
     TIniStrings nameless;
     nameless.WriteString("S", "k", "v");
@@ -259,6 +301,7 @@ void PlayAtRandom(unsigned seed, int steps, int names) {
         const std::string section = (upTo(2) ? "s" : "S") + std::to_string(upTo(3));
         const std::string key = name();
         const std::string value = upTo(4) ? std::to_string(step) : "";
+        const std::string line = Format("%s=%s", {key, value});
         TNaive::TSection* const keys = TNaive::Find(naive.Sections, section);
         TNaive::TKey* const found = keys ? TNaive::Find(keys->Keys, key) : nullptr;
         ASSERT_EQ(ini.ReadString(section, key, "none"), found ? found->Value : "none");
@@ -287,8 +330,8 @@ void PlayAtRandom(unsigned seed, int steps, int names) {
             break;
         default:
             if (const int what = upTo(8); what < 2) {
-                ini.AddString(section, key + "=" + value);
-                if (keys) naive.AddLine(*keys, key + "=" + value);
+                ini.AddString(section, line);
+                if (keys) naive.AddLine(*keys, line);
             } else if (what < 4) {
                 ini.WriteString(section, key, value);
                 if (found)
@@ -297,7 +340,7 @@ void PlayAtRandom(unsigned seed, int steps, int names) {
                     naive.AddLine(keys ? *keys
                                        : TNaive::Add(naive.Sections, naive.SectionSorted,
                                                      {section, naive.KeySorted, {}}),
-                                  key + "=" + value);
+                                  line);
             } else if (what < 6) {
                 const std::string newKey = name();
                 ini.ReplaceString(section, key, newKey);

@@ -5,10 +5,12 @@
 #include "TStringReader.h"
 #include "TTestFolder.h"
 #include "os/portable/TPortableOS.h"
+#include "rtl/OSError.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -93,6 +95,8 @@ TEST_F(Streams, AHeapMayBeFullAndItsMemoryZero) {
     EXPECT_EQ(ErrorOf([&] { stream.SetSize(8193); }),
               "EOutOfMemory: out of memory: 12288 bytes wanted");
     EXPECT_EQ(stream.Size(), 4097);
+    stream.SetSize(0);
+    EXPECT_EQ(stream.Compact(), 8192u);
 
     // Zeros on the shared heap too, in the place of memory that was in use.
     for (int i = 0; i < 2; ++i) {
@@ -174,8 +178,9 @@ TEST_F(Streams, MappedRefuseSizes) {
               "EOSError: cannot create " + missing + "/f: no such file or directory");
     EXPECT_EQ(ErrorOf([&] { TMappedFileStream(Folder.Path(), true, 1, false); }),
               "EOSError: cannot create " + Folder.Path() + ": is a directory");
-    EXPECT_EQ(ErrorOf([&] { TMappedFileStream(NoHandle, true, 0, false); }).substr(0, 10),
-              "EOSError: ");
+    for (const std::int64_t size : {0, 10})
+        EXPECT_EQ(ErrorOf([&] { TMappedFileStream(NoHandle, true, size, false); }),
+                  "EOSError: cannot tell the size of file handle -1: bad file descriptor");
     WriteFile("");
     EXPECT_EQ(ErrorOf([&] { TMappedFileStream(Name, true, 0, true); }),
               "EOSError: cannot map " + Name + ": the file is empty");
@@ -225,6 +230,7 @@ TEST_F(Streams, MappedStayWithinTheirBounds) {
     EXPECT_EQ(ErrorOf([&] { stream.SaveToFile(Name); }),
               "EFCreateError: cannot create " + Name + ": it is the mapped file");
     stream.SaveToFile(Folder.File("copy"));
+    stream.SaveToFile(Folder.File("copy")); // over another one
     EXPECT_EQ(stream.Position(), 10);
     Name = Folder.File("copy");
     EXPECT_EQ(FileText(), "01234567ab");
@@ -235,6 +241,10 @@ TEST_F(Streams, MappedAreReadOnlyGrownOrNotMapped) {
     TMappedFileStream readOnly(Name, true, 0, true);
     EXPECT_EQ(readOnly.Write("x", 1), 0);
     EXPECT_EQ(Next(readOnly, 9), "01234");
+    EXPECT_EQ(FileWrite(readOnly.Handle(), "x", 1), -1);
+    TFileStream(Name, fmAppend).WriteText("5");
+    readOnly.SetMapped(true); // it is already
+    EXPECT_EQ(readOnly.Size(), 5);
 
     TMappedFileStream stream(Name, false, 3, false);
     EXPECT_EQ(stream.Size(), 0);
@@ -253,7 +263,7 @@ TEST_F(Streams, MappedAreReadOnlyGrownOrNotMapped) {
     EXPECT_EQ(stream.Size(), 0);
 
     TMappedFileStream(Name, true, 7, false).Write("AB", 2);
-    EXPECT_EQ(FileText(), "AB234\0\0"s);
+    EXPECT_EQ(FileText(), "AB2345\0"s);
     Name = Folder.File("new");
     TMappedFileStream(Name, true, 3, false).Write("new!", 4);
     EXPECT_EQ(FileText(), "new");
@@ -262,6 +272,61 @@ TEST_F(Streams, MappedAreReadOnlyGrownOrNotMapped) {
     TFileStream file(Name, fmOpenReadWrite);
     TMappedFileStream(file.Handle(), true, 0, false).Write("N", 1);
     EXPECT_EQ(Next(file, 9), "New");
+}
+
+TEST_F(Streams, MappedBeyondWhat32BitsCount) {
+    constexpr std::int64_t size = (std::int64_t{1} << 32) + 10;
+    WriteFile("");
+    std::filesystem::resize_file(Name, size); // without a place on the disk
+    TMappedFileStream stream(Name, true, 0, false);
+    const std::pair<std::int64_t, std::string> lines[] = {
+        {(std::int64_t{1} << 31) - 2, "a~\r\n----"},
+        {(std::int64_t{1} << 32) - 2, "b~\r\n----"},
+        {size - 4, "c~\r\n"}};
+    for (const auto& [position, line] : lines) {
+        stream.SetPosition(position);
+        EXPECT_EQ(stream.Write((line + "more").data(), 8), std::int64_t(line.size()));
+    }
+    EXPECT_EQ(stream.Seek(0, soFromEnd), size);
+    TFileStream file(Name, fmOpenRead);
+    TSimpleReader reader(file, 5);
+    TStringReader strings;
+    strings.SetTargetFile(Name);
+    for (const auto& [position, line] : lines) {
+        stream.SetPosition(position);
+        EXPECT_EQ(Next(stream, 8), line);
+        reader.SetPosition(position + 1);
+        reader.SetPosition(position);
+        std::string read(4, '?');
+        EXPECT_EQ(reader.Read(read.data(), 4), 4);
+        std::string text;
+        strings.TargetStream()->SetPosition(position);
+        EXPECT_TRUE(strings.ReadString(text));
+        EXPECT_EQ(text + "\r\n", read);
+        EXPECT_EQ(read, line.substr(0, 4));
+        EXPECT_EQ(strings.TargetStream()->Position(), position + 4);
+    }
+}
+
+/// Maps nothing, and cannot flush that.
+struct TFullDisk : TPortableOS {
+    struct TMapping : TSystemMapping {
+        std::int64_t Size() const override { return 0; }
+        void Read(std::int64_t, void*, std::int64_t) const override {}
+        void Write(std::int64_t, const void*, std::int64_t) override {}
+        void Flush() override { throw EOSError("full", ENOSPC); }
+    };
+    std::unique_ptr<TSystemMapping> Map(const TMapArea&) override {
+        return std::make_unique<TMapping>();
+    }
+};
+
+TEST_F(Streams, FlushingTellsWhatTheSystemSays) {
+    TFullDisk disk;
+    InstallOS(&disk);
+    const auto stream = TMappedFileStream::CreateSys("", true, 1, false);
+    InstallOS(&System);
+    EXPECT_EQ(ErrorOf([&] { stream->FlushView(); }), "EOSError: full");
 }
 
 TEST_F(Streams, NamedAreasAreSharedByProcesses) {
@@ -286,15 +351,18 @@ TEST_F(Streams, NamedAreasAreSharedByProcesses) {
 }
 
 TEST_F(Streams, MappedReportBytesThatAnotherProcessCutOff) {
-    WriteFile(std::string(9000, 'x') + "\r\n" + std::string(200'000, 'y'));
+    const std::string contents = std::string(9000, 'x') + "\r\n" + std::string(200'000, 'y');
+    WriteFile(contents);
     const std::string error = "EOSError: cannot read " + Name + " at offset ";
     TMappedFileStream stream(Name, true, 0, true);
     TStringReader reader;
     reader.SetTargetFile(Name);
     std::string text;
     EXPECT_TRUE(reader.ReadString(text));
-    EXPECT_EQ(TChild([&] { return ::truncate(Name.c_str(), 9100); }).Wait(), 0);
     TStringStream target;
+    stream.SaveToStream(target);
+    EXPECT_TRUE(target.DataString() == contents);
+    EXPECT_EQ(TChild([&] { return ::truncate(Name.c_str(), 9100); }).Wait(), 0);
     EXPECT_EQ(ErrorOf([&] { stream.SaveToStream(target); }).substr(0, error.size()), error);
     stream.SetPosition(20'000);
     EXPECT_EQ(ErrorOf([&] { Next(stream, 1); }).substr(0, error.size() + 6), error + "20000:");
@@ -425,8 +493,13 @@ TPieces ReadByTheRule(TStream& source, std::string_view delimiter, std::int64_t 
 
 TEST_F(Streams, StringsAreThoseOfANaiveSplit) {
     std::mt19937 random(3);
+    std::string fibonacci = "a"; // full of beginnings of itself
+    for (std::string former = "b"; fibonacci.size() < 101;)
+        former = std::exchange(fibonacci, std::string(fibonacci).append(former));
     const std::string longDelimiter = std::string(120, 'a') + "b";
-    const std::string delimiters[] = {"\r\n", "", "\n", "\0"s, "aab", "abab", longDelimiter};
+    const std::string delimiters[] = {"\r\n", "",     "\n",          "\0"s,
+                                      "aab",  "abab", longDelimiter, fibonacci};
+    TStringReader reader;
     constexpr std::string_view letters[] = {"ab", "a\r\n"sv, "aaaaaaaaab\0\n"sv};
     for (int round = 0; round < 1500; ++round) {
         const std::string& delimiter = delimiters[random() % std::size(delimiters)];
@@ -435,13 +508,13 @@ TEST_F(Streams, StringsAreThoseOfANaiveSplit) {
         for (auto pieces = random() % 8; pieces > 0; --pieces) {
             for (auto count = random() % (random() % 3 ? 30 : 400); count > 0; --count)
                 text += letter[random() % letter.size()];
+            text += delimiter.substr(0, random() % (delimiter.size() + 1)); // nearly one
             if (random() % 3) text += delimiter;
         }
         SCOPED_TRACE(round);
         const TPieces expected = Split(text, delimiter);
 
         TLoggedStream plain(text, 1 + random() % 200);
-        TStringReader reader;
         reader.SetStringDelimiter(delimiter);
         reader.Buffered = false;
         reader.SetTargetStream(&plain);
@@ -469,11 +542,15 @@ TEST_F(Streams, StringsAreThoseOfANaiveSplit) {
 }
 
 TEST_F(Streams, ReaderTargets) {
+    TStringStream large("a\r\n" + std::string(10'000, 'b'));
     TStringReader reader;
     std::string text = "former";
     EXPECT_FALSE(reader.ReadString(text)); // no target
     EXPECT_EQ(text, "");
     reader.Synchronize();
+    reader.SetTargetStream(&large);
+    EXPECT_TRUE(reader.ReadString(text));
+    EXPECT_EQ(large.Position(), 4096); // a buffer ahead
     TStringStream stream("skipped,a\r\nb");
     stream.SetPosition(8);
     reader.SetTargetStream(&stream);
@@ -507,10 +584,17 @@ TEST_F(Streams, ReaderTargets) {
         EXPECT_EQ(text, expected);
         file->SetPosition(3); // moved by hand, it is read from there
     }
+    TFileStream(Name, fmOpenWrite).WriteText("1\r\nX");
+    reader.Synchronize(); // leaves it there, and what it reads is new
+    EXPECT_EQ(file->Position(), 3);
+    EXPECT_TRUE(reader.ReadString(text));
+    EXPECT_EQ(text, "X");
+    file->SetPosition(3);
     reader.SetTargetStream(file); // its own file stays its own
     EXPECT_TRUE(reader.ReadString(text));
-    EXPECT_EQ(text, "2");
+    EXPECT_EQ(text, "X");
     reader.SetTargetStream(nullptr);
+    EXPECT_EQ(reader.TargetFile(), "");
     EXPECT_FALSE(reader.ReadString(text));
 }
 

@@ -1,3 +1,4 @@
+#include "rtl/SameBytes.h"
 #include "rtl/SysUtils.h"
 
 #include <algorithm>
@@ -169,6 +170,12 @@ std::uint32_t NextWeight(std::string_view& text) {
 } // namespace
 
 int AnsiCompareText(std::string_view a, std::string_view b) {
+    // An ASCII byte is a character of its own whatever stands around it: behind the last one that
+    // both texts share, a character begins in both.
+    std::size_t same = SameBytes(a, b);
+    while (same > 0 && static_cast<unsigned char>(a[same - 1]) >= 0x80) --same;
+    a.remove_prefix(same);
+    b.remove_prefix(same);
     while (!a.empty() && !b.empty()) {
         const std::uint32_t x = NextWeight(a);
         const std::uint32_t y = NextWeight(b);

@@ -12,6 +12,9 @@
 
 namespace tarn {
 
+/// The mark of UTF-8 that a text file may begin with.
+inline constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
+
 enum TFileErrorKind : std::uint8_t {
     feMissing,          // there is no such file, or no such folder to put it in
     feFolder,           // the name is that of a folder

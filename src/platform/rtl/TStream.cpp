@@ -94,7 +94,6 @@ std::int64_t THandleStream::Read(void* buffer, std::int64_t count) {
 }
 
 std::int64_t THandleStream::Write(const void* buffer, std::int64_t count) {
-    if (count <= 0) return 0;
     const std::int64_t done = FileWrite(FHandle, buffer, count);
     if (done < 0) RaiseReason<EWriteError>("write to", Name());
     return done;

@@ -311,8 +311,14 @@ void TStringList::SetTextStr(std::string_view text) {
 }
 
 bool TStringList::Find(std::string_view s, int& index) const {
-    index = FItems.CountWhile([&](const TItem& item) { return CompareStrings(item.Text, s) < 0; });
-    return index < Count() && CompareStrings(FItems.At(index).Text, s) == 0;
+    bool found = false;
+    index = FItems.CountWhile([&](const TItem& item) {
+        const int order = CompareStrings(item.Text, s);
+        // Of the strings that are asked, the last one not below `s` is that at the index.
+        if (order >= 0) found = order == 0;
+        return order < 0;
+    });
+    return found;
 }
 
 void TStringList::Sort() {
