@@ -1,3 +1,4 @@
+#include "ErrorOf.h"
 #include "rtl/DateUtils.h"
 #include "rtl/SysUtils.h"
 
@@ -13,12 +14,15 @@ TEST(DateUtils, EncodesAndDecodes) {
     const std::pair<TDateParts, TDateTime> cases[] = {
         {{1899, 12, 30, 0, 0, 0}, 0},          {{1899, 12, 31, 6, 0, 0}, 1.25},
         {{1970, 1, 1, 0, 0, 0}, 25569},        {{2000, 2, 29, 12, 0, 0}, 36585.5},
-        {{1899, 12, 29, 18, 0, 0}, -0.25},     {{1, 1, 1, 0, 0, 0}, -693593},
+        {{1899, 12, 29, 18, 0, 0}, -1.75},     {{1, 1, 1, 0, 0, 0}, -693593},
         {{9999, 12, 31, 18, 0, 0}, 2958465.75}};
     for (const auto& [parts, moment] : cases) {
         EXPECT_EQ(EncodeDateTime(parts), moment);
         EXPECT_EQ(DecodeDateTime(moment), parts);
     }
+    // A fraction counts away from day zero, and the last half second of a day is the next day.
+    EXPECT_EQ(DecodeDateTime(-0.25), DecodeDateTime(0.25));
+    EXPECT_EQ(DecodeDateTime(-2 - 86399.6 / 86400), (TDateParts{1899, 12, 29}));
     for (int second = 0; second < 86400; second += 7) {
         const TDateParts parts{2026, 7, 14, second / 3600, second / 60 % 60, second % 60};
         ASSERT_EQ(DecodeDateTime(EncodeDateTime(parts)), parts);
@@ -29,7 +33,7 @@ TEST(DateUtils, EncodesAndDecodes) {
                                   {2026, 1, 1, 0, 60, 0},   {2026, 1, 1, 0, 0, -1}};
     for (const TDateParts& parts : refused) EXPECT_THROW(EncodeDateTime(parts), EConvertError);
     for (const TDateTime moment :
-         {-693594.0, 2958466.0, 1e300, std::numeric_limits<double>::quiet_NaN()})
+         {-693594.0, 2958466.0, 2958465.999999, 1e300, std::numeric_limits<double>::quiet_NaN()})
         EXPECT_THROW(DecodeDateTime(moment), EConvertError);
 }
 
@@ -57,17 +61,85 @@ TEST(DateUtils, Formats) {
         EXPECT_EQ(FormatDateTime("h ampm", EncodeDateTime({2026, 1, 1, hour, 0, 0})), text);
 }
 
-TEST(DateUtils, SettingsAndClock) {
-    const TFormatSettings saved = FormatSettings();
-    const TClock system = SetClock([] { return EncodeDateTime({2026, 7, 4, 0, 0, 0}); });
-    EXPECT_EQ(DateTimeToStr(Now()), "7/4/2026 12:00:00 AM");
-    FormatSettings().ShortDateFormat = "dd/mm/yyyy";
-    FormatSettings().LongTimeFormat = "hh:mm";
-    FormatSettings().DateSeparator = ".";
-    FormatSettings().TimeSeparator = "h";
-    EXPECT_EQ(DateTimeToStr(Now()), "04.07.2026 00h00");
-    FormatSettings() = saved;
-    SetClock(system);
+/// The settings and the clock as they are, given back at the end.
+class DateTexts : public testing::Test {
+protected:
+    DateTexts() {
+        FClock = SetClock([] { return EncodeDateTime({2026, 7, 4}); });
+    }
+    ~DateTexts() override {
+        FormatSettings() = FSettings;
+        SetClock(FClock);
+    }
+
+private:
+    TFormatSettings FSettings = FormatSettings();
+    TClock FClock;
+};
+
+TEST_F(DateTexts, AreReadAndWritten) {
+    TFormatSettings german;
+    german.ShortDateFormat = "dd/mm/yyyy";
+    german.LongTimeFormat = "hh:nn:ss";
+    german.DateSeparator = ".";
+    TFormatSettings iso;
+    iso.ShortDateFormat = "'day 'yyyy-mm-dd";
+    iso.LongTimeFormat = "h:n am/pm";
+    iso.TimeSeparator = "h";
+    iso.TimePMString = "nachm.";
+    iso.TwoDigitYearCenturyWindow = 0;
+    const struct {
+        const TFormatSettings& Settings;
+        std::string_view Text;
+        TDateParts Parts;
+        std::string_view Written; ///< as DateTimeToStr does
+    } cases[] = {
+        {{}, "7/14/2026", {2026, 7, 14}, "7/14/2026"},
+        {{}, " 07-14-2026  3:05:09 pm ", {2026, 7, 14, 15, 5, 9}, "7/14/2026 3:05:09 PM"},
+        {{}, "7/14 12:00AM", {2026, 7, 14}, "7/14/2026"},
+        {{}, "2/29/24 12 pm", {2024, 2, 29, 12}, "2/29/2024 12:00:00 PM"},
+        {{}, "1/1/75", {2075, 1, 1}, "1/1/2075"},
+        {{}, "1/1/76", {1976, 1, 1}, "1/1/1976"},
+        {{}, "1/1/0076 23:59", {76, 1, 1, 23, 59}, "1/1/0076 11:59:00 PM"},
+        {{}, "15:30", {1899, 12, 30, 15, 30}, "12/30/1899 3:30:00 PM"},
+        {{}, "12/28/1899 18:00", {1899, 12, 28, 18}, "12/28/1899 6:00:00 PM"},
+        {german, "14.7.2026 3:05", {2026, 7, 14, 3, 5}, "14.07.2026 03:05:00"},
+        {german, "14/7", {2026, 7, 14}, "14.07.2026"},
+        {iso, "2026-7-14 3h05 Nachm.", {2026, 7, 14, 15, 5}, "day 2026-07-14 3h5 nachm."},
+        {iso, "76/7/14 9:05 am", {2076, 7, 14, 9, 5}, "day 2076-07-14 9h5 AM"},
+    };
+    for (const auto& c : cases) {
+        FormatSettings() = c.Settings;
+        const TDateTime moment = StrToDateTime(c.Text);
+        EXPECT_EQ(DecodeDateTime(moment), c.Parts) << c.Text;
+        EXPECT_EQ(DateTimeToStr(moment), c.Written);
+    }
+    FormatSettings() = german;
+    EXPECT_EQ(StrToDate("14.7.26"), EncodeDateTime({2026, 7, 14}));
+    EXPECT_EQ(StrToTime("6"), 0.25);
+    EXPECT_EQ(DateToStr(1.5) + "|" + TimeToStr(-1.5), "31.12.1899|12:00:00");
+}
+
+TEST_F(DateTexts, AreRefused) {
+    for (const std::string_view text :
+         {"", "x", "7/", "7/14/2026/1", "2/29/2026", "13/1/2026", "7/-1/2026", "7/14/2026x",
+          "7/14/2026 24:00", "1:60", "1:00:60", "0:30 am", "13:00 pm", "1:00 xm", "1::2", "1:2:3:4",
+          "99999999999/1/1"}) {
+        EXPECT_EQ(ErrorOf([&] { StrToDateTime(text); }),
+                  Format("EConvertError: '%s' is not a valid date and time", {text}));
+        EXPECT_EQ(ErrorOf([&] { StrToDate(text); }),
+                  Format("EConvertError: '%s' is not a valid date", {text}));
+    }
+    EXPECT_EQ(ErrorOf([] { StrToDate("7/14/2026 1:00"); }),
+              "EConvertError: '7/14/2026 1:00' is not a valid date");
+    EXPECT_EQ(ErrorOf([] { StrToDate("7"); }), "EConvertError: '7' is not a valid date");
+    EXPECT_EQ(ErrorOf([] { StrToTime("7/14/2026"); }),
+              "EConvertError: '7/14/2026' is not a valid time");
+}
+
+TEST_F(DateTexts, ClockOfTheSystem) {
+    EXPECT_EQ(Now(), EncodeDateTime({2026, 7, 4}));
+    SetClock(nullptr);
     EXPECT_GT(Now(), 45000);
 }
 

@@ -1,5 +1,7 @@
+#include "ErrorOf.h"
 #include "rtl/SysUtils.h"
 #include "rtl/TObject.h"
+#include "vcl/Graphics.h"
 
 #include <gtest/gtest.h>
 
@@ -38,10 +40,12 @@ public:
     TSuit Suit = suClubs;
     TSet<TSuit> Suits;
     TSample* Next = nullptr;
+    std::int64_t Huge = 0;
+    TShortString<4> Brief;
+    std::u16string WideText;
+    TVariant Variant;
+    TNotifyEvent OnChange;
 };
-
-constexpr TTypeInfo ColorType = {"TColor", tkInteger, std::numeric_limits<std::int32_t>::min(),
-                                 std::numeric_limits<std::int32_t>::max()};
 
 constexpr TPropInfo SampleProps[] = {
     Published<&TSample::Flag>("Flag", {.Default = true}),
@@ -59,6 +63,11 @@ constexpr TPropInfo SampleProps[] = {
     Published<&TSample::Suit>("Suit", {.Default = suHearts}),
     Published<&TSample::Suits>("Suits"),
     Published<&TSample::Next>("Next"),
+    Published<&TSample::Huge>("Huge"),
+    Published<&TSample::Brief>("Brief"),
+    Published<&TSample::WideText>("WideText"),
+    Published<&TSample::Variant>("Variant"),
+    Published<&TSample::OnChange>("OnChange"),
 };
 const TClassRecord TSample::ClassRecord{"TSample", &TPersistent::ClassRecord, CreateObject<TSample>,
                                         SampleProps};
@@ -171,9 +180,78 @@ TEST(TypInfo, OtherSlots) {
     EXPECT_EQ(sample.Text, "");
     EXPECT_EQ(Prop(sample, "Text").PropType->Kind, tkLString);
 
+    const std::int64_t huge = std::numeric_limits<std::int64_t>::min() + 1;
+    SetValue<std::int64_t>(sample, "Huge", huge);
+    EXPECT_EQ(Value<std::int64_t>(sample, "Huge"), huge);
+    SetValue<std::string>(sample, "Brief", "abcde");
+    EXPECT_EQ(Value<std::string>(sample, "Brief"), "abcd");
+    EXPECT_EQ(Prop(sample, "Brief").PropType->MaxValue, 4);
+    SetValue<TVariant>(sample, "Variant", 2.5);
+    EXPECT_EQ(Value<TVariant>(sample, "Variant"), TVariant(2.5));
+    int calls = 0;
+    const auto count = [&calls](TObject*) { ++calls; };
+    SetValue(sample, "OnChange", TNotifyEvent::Calling(count).Raw());
+    sample.OnChange(nullptr);
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(Value<TRawMethod>(sample, "OnChange"), TNotifyEvent::Calling(count).Raw());
+    SetValue(sample, "OnChange", TRawMethod());
+    EXPECT_FALSE(sample.OnChange);
+
+    EXPECT_EQ(ErrorOf([&] { SetValue<long double>(sample, "Single", 1e39L); }),
+              "EConvertError: 1E39 is too great for a Single");
+    SetValue<long double>(sample, "Double", std::numeric_limits<long double>::infinity());
+    EXPECT_EQ(sample.Double, std::numeric_limits<double>::infinity());
+
     SetValue<std::int32_t>(sample, "Twice", 21);
     EXPECT_EQ(Value<std::int32_t>(sample, "Twice"), 42);
     EXPECT_EQ(Value<std::string>(sample, "Name"), "fixed");
+}
+
+TEST(TypInfo, WideTextsTravelAsUtf8) {
+    TSample sample;
+    const std::pair<std::u16string, std::string> same[] = {
+        {u"a\u007f\u0080\u07ff\u0800\uffff", "a\x7f\xc2\x80\xdf\xbf\xe0\xa0\x80\xef\xbf\xbf"},
+        {u"\U00010000\U0010ffff", "\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"},
+        {{0xDC00, 0xD800, 'x', 0xDBFF}, "\xed\xb0\x80\xed\xa0\x80x\xed\xaf\xbf"}, // no pairs
+    };
+    for (const auto& [wide, text] : same) {
+        sample.WideText = wide;
+        EXPECT_EQ(Value<std::string>(sample, "WideText"), text);
+        sample.WideText.clear();
+        SetValue(sample, "WideText", text);
+        EXPECT_EQ(sample.WideText, wide);
+    }
+    const std::pair<std::string, std::u16string> broken[] = {
+        {"\x80z", u"\ufffdz"},
+        {"\xc1\xbf", u"\ufffd\ufffd"},           // overlong
+        {"\xe0\x9f\xbf", u"\ufffd\ufffd\ufffd"}, // overlong
+        {"\xc3", u"\ufffd"},
+        {"\xe2\x82z", u"\ufffd\ufffdz"},
+        {"\xf4\x90\x80\x80", u"\ufffd\ufffd\ufffd\ufffd"}, // behind the last character
+        {"\xff", u"\ufffd"},
+    };
+    for (const auto& [text, wide] : broken) {
+        SetValue(sample, "WideText", text);
+        EXPECT_EQ(sample.WideText, wide) << text;
+    }
+}
+
+TEST(TypInfo, ManyNamesOfOneClassAreToldApart) {
+    // More names than the look-up remembers, alike at both ends, asked for in both cases.
+    std::vector<std::string> names(1500);
+    std::vector<TPropInfo> props(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        names[i] = Format("Property%dOfTheRecord", {i});
+        props[i] = {names[i], &TypeInfoOf<int>};
+    }
+    static TClassRecord record{"TMany"};
+    record.Published = props;
+    for (int pass = 0; pass < 2; ++pass)
+        for (std::size_t i = 0; i < names.size(); ++i)
+            ASSERT_EQ(record.FindProp(pass ? UpperCase(names[i]) : names[i]), &props[i]);
+    EXPECT_EQ(record.FindProp("Property17OfTheRecorD "), nullptr);
+    static const TClassRecord heir{"THeir", &record};
+    EXPECT_EQ(heir.FindProp(names[7]), &props[7]);
 }
 
 TEST(TypInfo, RowsOfAClass) {
@@ -183,7 +261,7 @@ TEST(TypInfo, RowsOfAClass) {
         names += std::string(prop.Name) + (prop.Set ? " " : "! ");
     });
     EXPECT_EQ(names, "Flag Short Octet Small Word Integer Cardinal Char Wide Single Double Text "
-                     "Suit Suits Next Twice Name! Text ");
+                     "Suit Suits Next Huge Brief WideText Variant OnChange Twice Name! Text ");
 
     EXPECT_EQ(&Prop(object, "sUIT"), &SampleProps[12]);
     EXPECT_EQ(TDerived::ClassRecord.FindProp("Suite"), nullptr);

@@ -20,7 +20,7 @@ TClock ReplacedClock = nullptr;
 
 } // namespace
 
-TDateTime EncodeDateTime(const TDateParts& parts) {
+std::optional<TDateTime> TryEncodeDateTime(const TDateParts& parts) {
     const auto between = [](int value, int least, int most) {
         return value >= least && value <= most;
     };
@@ -29,33 +29,38 @@ TDateTime EncodeDateTime(const TDateParts& parts) {
     if (!between(parts.Year, 1, 9999) || !between(parts.Month, 1, 12) ||
         !between(parts.Day, 1, 31) || !date.ok() || !between(parts.Hour, 0, 23) ||
         !between(parts.Minute, 0, 59) || !between(parts.Second, 0, 59))
-        throw EConvertError(
-            Format("there is no moment %d-%d-%d %d:%d:%d",
-                   {parts.Year, parts.Month, parts.Day, parts.Hour, parts.Minute, parts.Second}));
-    const int second = (parts.Hour * 60 + parts.Minute) * 60 + parts.Second;
-    return static_cast<double>((sys_days(date) - DayZero).count()) + second / SecondsPerDay;
+        return std::nullopt;
+    const auto days = static_cast<double>((sys_days(date) - DayZero).count());
+    const double time = ((parts.Hour * 60 + parts.Minute) * 60 + parts.Second) / SecondsPerDay;
+    return days < 0 ? days - time : days + time;
+}
+
+TDateTime EncodeDateTime(const TDateParts& parts) {
+    if (const auto moment = TryEncodeDateTime(parts)) return *moment;
+    throw EConvertError(
+        Format("there is no moment %d-%d-%d %d:%d:%d",
+               {parts.Year, parts.Month, parts.Day, parts.Hour, parts.Minute, parts.Second}));
 }
 
 TDateParts DecodeDateTime(TDateTime moment) {
     constexpr sys_days least = year{1} / January / 1, most = year{9999} / December / 31;
-    const double total = std::round(moment * SecondsPerDay);
-    const double days = std::floor(total / SecondsPerDay);
+    double days = std::trunc(moment);
+    double seconds = std::round(std::fabs(moment - days) * SecondsPerDay);
+    if (seconds >= SecondsPerDay) {
+        seconds = 0;
+        ++days;
+    }
     // Written so that a moment that is no number is refused as well.
     if (!(days >= (least - DayZero).count() && days <= (most - DayZero).count()))
         throw EConvertError("a moment is outside the years 1 to 9999");
     const year_month_day date(DayZero + std::chrono::days(static_cast<int>(days)));
-    const int second = static_cast<int>(total - days * SecondsPerDay);
+    const int second = static_cast<int>(seconds);
     return {static_cast<int>(date.year()),
             static_cast<int>(static_cast<unsigned>(date.month())),
             static_cast<int>(static_cast<unsigned>(date.day())),
             second / 3600,
             second / 60 % 60,
             second % 60};
-}
-
-TFormatSettings& FormatSettings() {
-    static TFormatSettings settings;
-    return settings;
 }
 
 namespace {
@@ -167,10 +172,18 @@ std::string FormatDateTime(std::string_view format, TDateTime moment) {
     return TDateFormatter(format, DecodeDateTime(moment)).Run();
 }
 
+std::string DateToStr(TDateTime moment) {
+    return FormatDateTime(FormatSettings().ShortDateFormat, moment);
+}
+
+std::string TimeToStr(TDateTime moment) {
+    return FormatDateTime(FormatSettings().LongTimeFormat, moment);
+}
+
 std::string DateTimeToStr(TDateTime moment) {
-    const TFormatSettings& settings = FormatSettings();
-    return FormatDateTime(settings.ShortDateFormat, moment) + " " +
-           FormatDateTime(settings.LongTimeFormat, moment);
+    const TDateParts parts = DecodeDateTime(moment);
+    const bool midnight = parts.Hour == 0 && parts.Minute == 0 && parts.Second == 0;
+    return midnight ? DateToStr(moment) : DateToStr(moment) + " " + TimeToStr(moment);
 }
 
 TClock SetClock(TClock clock) {

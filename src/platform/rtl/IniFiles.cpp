@@ -1,5 +1,6 @@
 #include "rtl/IniFiles.h"
 
+#include "rtl/FloatText.h"
 #include "rtl/SysUtils.h"
 
 namespace tarn {
@@ -18,11 +19,7 @@ bool TCustomIniFile::ValueExists(std::string_view section, std::string_view key)
 
 int TCustomIniFile::ReadInteger(std::string_view section, std::string_view key,
                                 int defaultValue) const {
-    try {
-        return StrToInt(ReadString(section, key, ""));
-    } catch (const EConvertError&) {
-        return defaultValue;
-    }
+    return StrToIntDef(ReadString(section, key, ""), defaultValue);
 }
 
 void TCustomIniFile::WriteInteger(std::string_view section, std::string_view key, int value) {
@@ -36,6 +33,58 @@ bool TCustomIniFile::ReadBool(std::string_view section, std::string_view key,
 
 void TCustomIniFile::WriteBool(std::string_view section, std::string_view key, bool value) {
     WriteInteger(section, key, value ? 1 : 0);
+}
+
+namespace {
+
+/// The value as `convert` reads it, `defaultValue` for what it refuses.
+template <class Convert>
+double ReadValue(const TCustomIniFile& ini, std::string_view section, std::string_view key,
+                 double defaultValue, Convert convert) {
+    try {
+        return detail::NarrowFloat<double>(convert(ini.ReadString(section, key, "")));
+    } catch (const EConvertError&) {
+        return defaultValue;
+    }
+}
+
+} // namespace
+
+double TCustomIniFile::ReadFloat(std::string_view section, std::string_view key,
+                                 double defaultValue) const {
+    return ReadValue(*this, section, key, defaultValue, StrToFloat);
+}
+
+void TCustomIniFile::WriteFloat(std::string_view section, std::string_view key, double value) {
+    WriteString(section, key, FloatToStr(value));
+}
+
+TDateTime TCustomIniFile::ReadDate(std::string_view section, std::string_view key,
+                                   TDateTime defaultValue) const {
+    return ReadValue(*this, section, key, defaultValue, StrToDate);
+}
+
+void TCustomIniFile::WriteDate(std::string_view section, std::string_view key, TDateTime value) {
+    WriteString(section, key, DateToStr(value));
+}
+
+TDateTime TCustomIniFile::ReadTime(std::string_view section, std::string_view key,
+                                   TDateTime defaultValue) const {
+    return ReadValue(*this, section, key, defaultValue, StrToTime);
+}
+
+void TCustomIniFile::WriteTime(std::string_view section, std::string_view key, TDateTime value) {
+    WriteString(section, key, TimeToStr(value));
+}
+
+TDateTime TCustomIniFile::ReadDateTime(std::string_view section, std::string_view key,
+                                       TDateTime defaultValue) const {
+    return ReadValue(*this, section, key, defaultValue, StrToDateTime);
+}
+
+void TCustomIniFile::WriteDateTime(std::string_view section, std::string_view key,
+                                   TDateTime value) {
+    WriteString(section, key, DateTimeToStr(value));
 }
 
 } // namespace tarn

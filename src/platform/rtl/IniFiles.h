@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rtl/DateUtils.h"
 #include "rtl/TStrings.h"
 
 namespace tarn {
@@ -26,6 +27,19 @@ public:
     /// A Boolean is a number: 0 is false, any other is true. It is written as "0" or "1".
     bool ReadBool(std::string_view section, std::string_view key, bool defaultValue) const;
     void WriteBool(std::string_view section, std::string_view key, bool value);
+    // Numbers with a fraction, and days as dates, times or both, in the present format settings;
+    // `defaultValue` for what is none.
+    double ReadFloat(std::string_view section, std::string_view key, double defaultValue) const;
+    void WriteFloat(std::string_view section, std::string_view key, double value);
+    TDateTime ReadDate(std::string_view section, std::string_view key,
+                       TDateTime defaultValue) const;
+    void WriteDate(std::string_view section, std::string_view key, TDateTime value);
+    TDateTime ReadTime(std::string_view section, std::string_view key,
+                       TDateTime defaultValue) const;
+    void WriteTime(std::string_view section, std::string_view key, TDateTime value);
+    TDateTime ReadDateTime(std::string_view section, std::string_view key,
+                           TDateTime defaultValue) const;
+    void WriteDateTime(std::string_view section, std::string_view key, TDateTime value);
 
     virtual void ReadSections(TStrings& sections) const = 0;
     /// The names of the section's keys.

@@ -1,9 +1,10 @@
 #include "rtl/SysUtils.h"
 
+#include "rtl/FloatText.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
 #include <limits>
 
 namespace tarn {
@@ -105,11 +106,7 @@ private:
             break;
         case 'f':
             if (const auto* number = std::get_if<double>(&arg)) {
-                std::array<char, 400> buffer{};
-                const int digits = place.Precision < 0 ? 2 : std::min(place.Precision, 18);
-                const int size =
-                    std::snprintf(buffer.data(), buffer.size(), "%.*f", digits, *number);
-                return {buffer.data(), static_cast<std::size_t>(size)};
+                return FloatToFixed(*number, place.Precision < 0 ? 2 : place.Precision);
             }
             break;
         default:
@@ -210,25 +207,49 @@ std::string IntToStr(std::int64_t value) {
     return std::to_string(value);
 }
 
-std::int32_t StrToInt(std::string_view text) {
-    std::string_view digits = text;
-    while (!digits.empty() && digits.front() == ' ') digits.remove_prefix(1);
-    const bool negative = !digits.empty() && digits.front() == '-';
-    if (negative || (!digits.empty() && digits.front() == '+')) digits.remove_prefix(1);
+namespace {
+
+/// The number that the whole text is, in the bits of T; false when it is none or needs more bits.
+template <class T> bool ReadInteger(std::string_view text, T& value) {
+    using TBits = std::make_unsigned_t<T>;
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    const bool negative = !text.empty() && text.front() == '-';
+    if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
     int base = 10;
-    if (!digits.empty() && digits.front() == '$')
-        base = 16, digits.remove_prefix(1);
-    else if (digits.size() > 1 && digits[0] == '0' && Lower(digits[1]) == 'x')
-        base = 16, digits.remove_prefix(2);
-    std::uint64_t value = 0;
-    const auto [end, error] =
-        std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
+    if (!text.empty() && text.front() == '$')
+        base = 16, text.remove_prefix(1);
+    else if (text.size() > 1 && text[0] == '0' && Lower(text[1]) == 'x')
+        base = 16, text.remove_prefix(2);
+    TBits bits = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), bits, base);
     // Hexadecimal digits give the bits, decimal ones the number.
-    const std::uint64_t limit = base == 16 ? 0xFFFFFFFFu : negative ? 0x80000000u : 0x7FFFFFFFu;
-    if (error != std::errc() || end != digits.data() + digits.size() || value > limit)
+    constexpr auto most = static_cast<TBits>(std::numeric_limits<T>::max());
+    const TBits limit = base == 16 ? std::numeric_limits<TBits>::max() : negative ? most + 1 : most;
+    if (error != std::errc() || end != text.data() + text.size() || bits > limit) return false;
+    value = static_cast<T>(negative ? TBits{0} - bits : bits);
+    return true;
+}
+
+template <class T> T RequireInteger(std::string_view text) {
+    T value = 0;
+    if (!ReadInteger(text, value))
         throw EConvertError(Format("'%s' is not a valid integer value", {text}));
-    const auto bits = static_cast<std::uint32_t>(value);
-    return static_cast<std::int32_t>(negative ? 0u - bits : bits);
+    return value;
+}
+
+} // namespace
+
+std::int32_t StrToInt(std::string_view text) {
+    return RequireInteger<std::int32_t>(text);
+}
+
+std::int64_t StrToInt64(std::string_view text) {
+    return RequireInteger<std::int64_t>(text);
+}
+
+std::int32_t StrToIntDef(std::string_view text, std::int32_t defaultValue) {
+    std::int32_t value = 0;
+    return ReadInteger(text, value) ? value : defaultValue;
 }
 
 // --- File names -------------------------------------------------------------------------------

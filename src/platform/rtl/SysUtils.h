@@ -93,8 +93,8 @@ struct TVarRec : TFormatArg {
 };
 
 /// The platform's format function: "%" [index ":"] ["-"] [width] ["." precision] type, with the
-/// types d (decimal), u (decimal without sign), x (hexadecimal without sign), f (fixed, two digits
-/// unless told), s (text, cut off at the precision) and "%%".
+/// types d (decimal), u (decimal without sign), x (hexadecimal without sign), f (fixed, as
+/// FloatToFixed writes it, two digits unless told), s (text, cut off at the precision) and "%%".
 /// Arguments are taken in turn, or by a 0-based index. Raises EConvertError for an argument that is
 /// missing or of another type.
 std::string Format(std::string_view format, std::initializer_list<TVarRec> args);
@@ -126,6 +126,9 @@ std::string IntToStr(std::int64_t value);
 /// The decimal number, or hexadecimal after "$" or "0x", that the whole text is, blanks in front
 /// allowed. Raises EConvertError naming the text when it is none or leaves 32 bits.
 std::int32_t StrToInt(std::string_view text);
+std::int64_t StrToInt64(std::string_view text); ///< the same in 64 bits
+/// StrToInt, or `defaultValue` for a text that it refuses.
+std::int32_t StrToIntDef(std::string_view text, std::int32_t defaultValue);
 
 // --- File names -------------------------------------------------------------------------------
 // Both "\" and "/" separate folders, so that the names in old projects work on every system.

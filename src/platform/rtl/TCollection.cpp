@@ -18,6 +18,21 @@ void TCollectionItem::SetIndex(int value) {
     if (FCollection) FCollection->Move(Index(), std::min(value, FCollection->Count() - 1));
 }
 
+void TCollectionItem::Changed(bool allItems) {
+    if (FCollection && FCollection->FUpdateCount == 0)
+        FCollection->Update(allItems ? nullptr : this);
+}
+
+void TCollection::EndUpdate() {
+    if (--FUpdateCount == 0) Update(nullptr);
+}
+
+void TCollection::Update(TCollectionItem*) {}
+
+void TCollection::Changed() {
+    if (FUpdateCount == 0) Update(nullptr);
+}
+
 TCollectionItem* TCollection::Items(int index) const {
     if (index < 0 || index >= Count()) throw EListError(Format(SListIndexError, {index}));
     return FItems[static_cast<std::size_t>(index)].get();
@@ -33,19 +48,26 @@ TCollectionItem* TCollection::Insert(int index) {
     if (index < 0 || index > Count()) throw EListError(Format(SListIndexError, {index}));
     auto item = FItemClass.Create();
     item->FCollection = this;
-    return FItems.insert(FItems.begin() + index, std::move(item))->get();
+    TCollectionItem* const added = FItems.insert(FItems.begin() + index, std::move(item))->get();
+    Changed();
+    return added;
 }
 
 void TCollection::Delete(int index) {
     (void)Items(index);
     // The item leaves the list first, so that its destructor sees a list without it.
     const auto place = FItems.begin() + index;
-    const std::unique_ptr<TCollectionItem> item = std::move(*place);
+    std::unique_ptr<TCollectionItem> item = std::move(*place);
     FItems.erase(place);
+    item.reset();
+    Changed();
 }
 
 void TCollection::Clear() {
-    while (!FItems.empty()) Delete(Count() - 1);
+    if (FItems.empty()) return;
+    ChangeItems([this] {
+        while (!FItems.empty()) Delete(Count() - 1);
+    });
 }
 
 void TCollection::Move(int curIndex, int newIndex) {
@@ -57,6 +79,7 @@ void TCollection::Move(int curIndex, int newIndex) {
         std::rotate(from, from + 1, to + 1);
     else
         std::rotate(to, from, from + 1);
+    Changed();
 }
 
 void TCollection::Assign(const TPersistent* source) {
@@ -66,8 +89,10 @@ void TCollection::Assign(const TPersistent* source) {
         return;
     }
     if (collection == this) return;
-    Clear();
-    for (int i = 0; i < collection->Count(); ++i) Add()->Assign(collection->Items(i));
+    ChangeItems([&] {
+        Clear();
+        for (int i = 0; i < collection->Count(); ++i) Add()->Assign(collection->Items(i));
+    });
 }
 
 } // namespace tarn

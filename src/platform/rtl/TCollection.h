@@ -20,6 +20,10 @@ public:
     /// Moves the item; a place behind the end is the end.
     void SetIndex(int value);
 
+protected:
+    /// Tells the collection that this item has another state, or all may have.
+    void Changed(bool allItems);
+
 private:
     friend class TCollection;
     TCollection* FCollection = nullptr;
@@ -45,10 +49,32 @@ public:
     void Clear(); ///< frees the items from the last to the first
     void Move(int curIndex, int newIndex);
 
+    /// Between the two no change is reported; the pairs nest, and the last EndUpdate reports one.
+    void BeginUpdate() { ++FUpdateCount; }
+    void EndUpdate();
+    /// Runs `change` between BeginUpdate and EndUpdate, which is called even when it raises.
+    template <class F> void ChangeItems(F&& change) {
+        BeginUpdate();
+        try {
+            change();
+        } catch (...) {
+            EndUpdate();
+            throw;
+        }
+        EndUpdate();
+    }
+
     /// Makes this collection's items copies of the other's, one for one.
     void Assign(const TPersistent* source) override;
 
+protected:
+    /// Something has changed: the item, or with null the list or any of its items.
+    virtual void Update(TCollectionItem* item);
+    void Changed();
+
 private:
+    friend class TCollectionItem;
+    int FUpdateCount = 0;
     TClassRef<TCollectionItem> FItemClass;
     std::vector<std::unique_ptr<TCollectionItem>> FItems;
 };

@@ -7,6 +7,14 @@ namespace tarn {
 
 template <class Signature> class TMethod;
 
+/// A method pointer without its signature: what a published event travels in. Only the TMethod of
+/// the signature that it came from may be made of it again.
+struct TRawMethod {
+    void* Data = nullptr;
+    void (*Code)() = nullptr; ///< null: no method
+    friend bool operator==(const TRawMethod&, const TRawMethod&) = default;
+};
+
 /// A method pointer: a procedure bound to its object, two words, copied and compared by value. The
 /// object is not owned; who installs a method takes it out before the object goes.
 template <class R, class... A> class TMethod<R(A...)> {
@@ -35,6 +43,11 @@ public:
             return (*static_cast<F*>(data))(std::forward<A>(args)...);
         });
     }
+
+    static TMethod FromRaw(const TRawMethod& raw) {
+        return TMethod(raw.Data, reinterpret_cast<TCode>(raw.Code));
+    }
+    TRawMethod Raw() const { return {FData, reinterpret_cast<void (*)()>(FCode)}; }
 
     explicit operator bool() const { return FCode != nullptr; }
     R operator()(A... args) const { return FCode(FData, std::forward<A>(args)...); }

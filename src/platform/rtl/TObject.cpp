@@ -45,6 +45,8 @@ void TPersistent::AssignTo(TPersistent& dest) const {
     throw EConvertError(Format("cannot assign a %s to a %s", {ClassName(), dest.ClassName()}));
 }
 
+void TPersistent::DefineProperties(TFiler&) {}
+
 TWeakLink& TWeakLink::operator=(const TWeakLink& other) {
     if (this != &other) {
         Detach();

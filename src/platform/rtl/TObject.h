@@ -51,7 +51,10 @@ template <class I> I* ObjectInterface(TObject& object) {
     return object.GetInterface(I::IID, found) ? static_cast<I*>(found) : nullptr;
 }
 
+class TFiler;
+class TReader;
 class TWeakLink;
+class TWriter;
 
 /// The base of objects with published properties, which can be assigned to each other. An object
 /// knows the weak references to it and clears them when it goes.
@@ -69,7 +72,13 @@ public:
 protected:
     virtual void AssignTo(TPersistent& dest) const;
 
+    /// Declares what the object stores beside its published properties. An override calls its
+    /// ancestor's first.
+    virtual void DefineProperties(TFiler& filer);
+
 private:
+    friend class TReader;
+    friend class TWriter;
     friend class TWeakLink;
     TWeakLink* FLinks = nullptr;
 };

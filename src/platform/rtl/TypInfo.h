@@ -1,8 +1,13 @@
 #pragma once
 
 #include "rtl/Interfaces.h"
+#include "rtl/TMethod.h"
 #include "rtl/TSet.h"
+#include "rtl/TShortString.h"
+#include "rtl/TVariant.h"
+#include "rtl/Unicode.h"
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -16,21 +21,22 @@ namespace tarn {
 class TObject;
 struct TClassRecord;
 
-/// The kinds of a published property's type; the kind decides how its value travels.
+/// The kinds of a published property's type; the kind names the slot in which its value travels.
 enum TTypeKind : std::uint8_t {
     tkUnknown,
-    tkInteger,
-    tkChar,
-    tkEnumeration,
-    tkFloat,
-    tkString,
-    tkSet,
-    tkClass,
-    tkMethod,
-    tkWChar,
-    tkLString,
-    tkWString,
-    tkVariant
+    tkInteger,     ///< std::int32_t; a Cardinal as its bits
+    tkChar,        ///< std::int32_t, 0 to 255
+    tkEnumeration, ///< std::int32_t, the ordinal
+    tkFloat,       ///< long double
+    tkString,      ///< std::string of at most MaxValue bytes: longer ones are cut
+    tkSet,         ///< std::int32_t, the mask
+    tkClass,       ///< TObject*, null or of the type's class
+    tkMethod,      ///< TRawMethod
+    tkWChar,       ///< std::int32_t, a UTF-16 unit
+    tkLString,     ///< std::string
+    tkWString,     ///< std::string in UTF-8; see Unicode.h for what is no UTF-16
+    tkVariant,     ///< TVariant
+    tkInt64        ///< std::int64_t
 };
 
 /// A type record: its name, its kind and what the kind needs.
@@ -38,7 +44,7 @@ struct TTypeInfo {
     std::string_view Name;
     TTypeKind Kind = tkUnknown;
     std::int64_t MinValue = 0;                    ///< ordinal kinds: the least ordinal
-    std::int64_t MaxValue = 0;                    ///< ordinal kinds: the greatest ordinal
+    std::int64_t MaxValue = 0;                    ///< ordinal kinds: the greatest; tkString: length
     std::span<const std::string_view> Names = {}; ///< enumerations: names from MinValue on
     const TTypeInfo* CompType = nullptr;          ///< sets: the type of the elements
     const TClassRecord* Class = nullptr;          ///< classes: the declared class
@@ -75,11 +81,23 @@ inline constexpr TTypeInfo TypeInfoOf<std::int32_t> = IntegerType<std::int32_t>(
 template <>
 inline constexpr TTypeInfo TypeInfoOf<std::uint32_t> = IntegerType<std::uint32_t>("Cardinal");
 template <> inline constexpr TTypeInfo TypeInfoOf<char> = {"Char", tkChar, 0, 255};
+template <>
+inline constexpr TTypeInfo TypeInfoOf<std::int64_t> = {"Int64", tkInt64,
+                                                       std::numeric_limits<std::int64_t>::min(),
+                                                       std::numeric_limits<std::int64_t>::max()};
 template <> inline constexpr TTypeInfo TypeInfoOf<wchar_t> = {"WideChar", tkWChar, 0, 65535};
+template <> inline constexpr TTypeInfo TypeInfoOf<char16_t> = {"WideChar", tkWChar, 0, 65535};
 template <> inline constexpr TTypeInfo TypeInfoOf<float> = {"Single", tkFloat};
 template <> inline constexpr TTypeInfo TypeInfoOf<double> = {"Double", tkFloat};
 template <> inline constexpr TTypeInfo TypeInfoOf<long double> = {"Extended", tkFloat};
 template <> inline constexpr TTypeInfo TypeInfoOf<std::string> = {"String", tkLString};
+template <int Length>
+inline constexpr TTypeInfo TypeInfoOf<TShortString<Length>> = {"ShortString", tkString, 0, Length};
+template <> inline constexpr TTypeInfo TypeInfoOf<std::u16string> = {"WideString", tkWString};
+template <> inline constexpr TTypeInfo TypeInfoOf<TVariant> = {"Variant", tkVariant};
+template <class Signature>
+inline constexpr TTypeInfo TypeInfoOf<TMethod<Signature>> = {"TMethod", tkMethod};
+template <> inline constexpr TTypeInfo TypeInfoOf<TNotifyEvent> = {"TNotifyEvent", tkMethod};
 template <class E>
 inline constexpr TTypeInfo TypeInfoOf<TSet<E>> = {TypeInfoOf<E>.Name, tkSet, 0, 0, {},
                                                   &TypeInfoOf<E>};
@@ -87,15 +105,19 @@ template <class T>
 requires std::is_base_of_v<TObject, T>
 inline constexpr TTypeInfo TypeInfoOf<T*> = {{}, tkClass, 0, 0, {}, nullptr, &T::ClassRecord};
 
-/// One published property. Values pass through `Get` and `Set` in the slot that the kind names:
-/// ordinal kinds std::int32_t, tkFloat long double, the string kinds std::string, tkClass TObject*.
+// Types that C++ knows by another name. A property names its own in the options of its row.
+inline constexpr TTypeInfo DateTimeType = {"TDateTime", tkFloat}; ///< a moment, see DateUtils.h
+inline constexpr TTypeInfo DateType = {"TDate", tkFloat};
+inline constexpr TTypeInfo TimeType = {"TTime", tkFloat};
+
+/// One published property. Values pass through `Get` and `Set` in the slot that the kind names.
 struct TPropInfo {
     /// The default of a property that has none: it is always stored.
     static constexpr std::int64_t NoDefault = std::numeric_limits<std::int64_t>::min();
 
     std::string_view Name;
     const TTypeInfo* PropType = nullptr;
-    void (*Get)(const TObject& instance, void* slot) = nullptr;
+    void (*Get)(const TObject& instance, void* slot) = nullptr; ///< the slot holds a value already
     void (*Set)(TObject& instance, const void* slot) = nullptr; ///< null when it is read-only
     std::int64_t Default = NoDefault; ///< ordinal kinds: the value that is not stored
     bool (*IsStored)(const TObject& instance) = nullptr; ///< null: stored
@@ -109,7 +131,9 @@ struct TInterfaceEntry {
     void* (*Cast)(TObject& instance);
 };
 
-/// A class record: the class as data. It stands once per class, as a constant.
+/// A class record: the class as data. It stands once per class, as a constant. Look-ups remember
+/// by the record's address where they found a property: a record that is built while the program
+/// runs is kept to its end.
 struct TClassRecord {
     std::string_view Name;
     const TClassRecord* Parent = nullptr;
@@ -120,6 +144,7 @@ struct TClassRecord {
 
     bool InheritsFrom(const TClassRecord& ancestor) const;
     /// The class's own property of that name or an inherited one, without case; null when none.
+    /// Properties that are asked for again and again are found at once, in any thread.
     const TPropInfo* FindProp(std::string_view name) const;
 };
 
@@ -153,6 +178,8 @@ private:
 
 namespace detail {
 
+[[noreturn]] void RefuseFloat(long double value, const TTypeInfo& type);
+
 template <class M> struct TMemberOf;
 template <class R, class T> struct TMemberOf<R T::*> {
     using TClass = T;
@@ -163,10 +190,27 @@ template <class R, class T> struct TMemberOf<R (T::*)() const> {
     using TValue = std::remove_cvref_t<R>;
 };
 
+/// The value as a narrower floating type. Raises EConvertError when it is too great for that.
+template <class V> V NarrowFloat(long double value) {
+    if (std::fabs(value) > std::numeric_limits<V>::max() && !std::isinf(value))
+        RefuseFloat(value, TypeInfoOf<V>);
+    return static_cast<V>(value);
+}
+
 template <class V> void StoreSlot(void* slot, const V& value) {
     constexpr TTypeKind kind = TypeInfoOf<V>.Kind;
     if constexpr (kind == tkLString)
         *static_cast<std::string*>(slot) = value;
+    else if constexpr (kind == tkString)
+        *static_cast<std::string*>(slot) = value.Text();
+    else if constexpr (kind == tkWString)
+        *static_cast<std::string*>(slot) = Utf16ToUtf8(value);
+    else if constexpr (kind == tkVariant)
+        *static_cast<TVariant*>(slot) = value;
+    else if constexpr (kind == tkMethod)
+        *static_cast<TRawMethod*>(slot) = value.Raw();
+    else if constexpr (kind == tkInt64)
+        *static_cast<std::int64_t*>(slot) = value;
     else if constexpr (kind == tkFloat)
         *static_cast<long double*>(slot) = value;
     else if constexpr (kind == tkClass)
@@ -184,8 +228,18 @@ template <class V> V LoadSlot(const void* slot) {
     constexpr TTypeKind kind = TypeInfoOf<V>.Kind;
     if constexpr (kind == tkLString)
         return *static_cast<const std::string*>(slot);
+    else if constexpr (kind == tkString)
+        return V(*static_cast<const std::string*>(slot));
+    else if constexpr (kind == tkWString)
+        return Utf8ToUtf16(*static_cast<const std::string*>(slot));
+    else if constexpr (kind == tkVariant)
+        return *static_cast<const TVariant*>(slot);
+    else if constexpr (kind == tkMethod)
+        return V::FromRaw(*static_cast<const TRawMethod*>(slot));
+    else if constexpr (kind == tkInt64)
+        return *static_cast<const std::int64_t*>(slot);
     else if constexpr (kind == tkFloat)
-        return static_cast<V>(*static_cast<const long double*>(slot));
+        return NarrowFloat<V>(*static_cast<const long double*>(slot));
     else if constexpr (kind == tkClass)
         return static_cast<V>(*static_cast<TObject* const*>(slot));
     else if constexpr (kind == tkSet)
@@ -199,9 +253,37 @@ template <class V> V LoadSlot(const void* slot) {
 /// What a property's row may say beside its name and accessors.
 struct TPropOptions {
     std::int64_t Default = TPropInfo::NoDefault;
-    const TTypeInfo* Type = nullptr; ///< a type of its own name, for example TColor
+    /// A type of the same kind under a name of its own, for example TColor; unknown: as declared.
+    const TTypeInfo* Type = &TypeInfoOf<void>;
     bool (*IsStored)(const TObject& instance) = nullptr;
 };
+
+namespace detail {
+
+/// The accessors of a property of class T. The class is named among the arguments because GCC gives
+/// what depends on a member of an unnamed namespace alone one symbol for all files.
+template <class T, class V, auto Getter, auto Setter> struct TPropAccessors {
+    static constexpr bool ByMethod = std::is_member_function_pointer_v<decltype(Getter)>;
+    static constexpr bool HasSetter = !std::is_same_v<decltype(Setter), std::nullptr_t>;
+    static constexpr bool ReadOnly = ByMethod && !HasSetter;
+
+    static void Get(const TObject& instance, void* slot) {
+        const auto& object = static_cast<const T&>(instance);
+        if constexpr (ByMethod)
+            StoreSlot<V>(slot, (object.*Getter)());
+        else
+            StoreSlot<V>(slot, object.*Getter);
+    }
+    static void Set(TObject& instance, const void* slot) {
+        auto& object = static_cast<T&>(instance);
+        if constexpr (HasSetter)
+            (object.*Setter)(LoadSlot<V>(slot));
+        else
+            object.*Getter = LoadSlot<V>(slot);
+    }
+};
+
+} // namespace detail
 
 /// A published property read through a data member or a getter, and written through the data
 /// member, or through `Setter` when one is given. A getter without a setter is read-only.
@@ -210,23 +292,15 @@ constexpr TPropInfo Published(std::string_view name, TPropOptions options = {}) 
     using TMember = detail::TMemberOf<decltype(Getter)>;
     using TClass = typename TMember::TClass;
     using TValue = typename TMember::TValue;
-    static_assert(TypeInfoOf<TValue>.Kind != tkUnknown, "the type has no type record");
-    TPropInfo prop{name, options.Type ? options.Type : &TypeInfoOf<TValue>};
-    prop.Get = [](const TObject& instance, void* slot) {
-        const auto& object = static_cast<const TClass&>(instance);
-        if constexpr (std::is_member_function_pointer_v<decltype(Getter)>)
-            detail::StoreSlot<TValue>(slot, (object.*Getter)());
-        else
-            detail::StoreSlot<TValue>(slot, object.*Getter);
-    };
-    if constexpr (!std::is_same_v<decltype(Setter), std::nullptr_t>)
-        prop.Set = [](TObject& instance, const void* slot) {
-            (static_cast<TClass&>(instance).*Setter)(detail::LoadSlot<TValue>(slot));
-        };
-    else if constexpr (!std::is_member_function_pointer_v<decltype(Getter)>)
-        prop.Set = [](TObject& instance, const void* slot) {
-            static_cast<TClass&>(instance).*Getter = detail::LoadSlot<TValue>(slot);
-        };
+    constexpr TTypeKind kind = TypeInfoOf<TValue>.Kind;
+    static_assert(kind != tkUnknown, "the type has no type record");
+    // The slot is that of the C++ type: a constant row of another kind does not compile.
+    const bool named = options.Type->Kind != tkUnknown;
+    if (named && options.Type->Kind != kind) throw "the named type is of another kind";
+    TPropInfo prop{name, named ? options.Type : &TypeInfoOf<TValue>};
+    using TAccessors = detail::TPropAccessors<TClass, TValue, Getter, Setter>;
+    prop.Get = TAccessors::Get;
+    if constexpr (!TAccessors::ReadOnly) prop.Set = TAccessors::Set;
     prop.Default = options.Default;
     prop.IsStored = options.IsStored;
     return prop;

@@ -1,26 +1,76 @@
 #include "vcl/TComponent.h"
 
 #include "rtl/SysUtils.h"
+#include "streaming/TReader.h"
+#include "streaming/TWriter.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace tarn {
 namespace {
 
+/// A stream has the name in an object's head, not among the properties.
+bool NeverStored(const TObject&) {
+    return false;
+}
+
 constexpr TPropInfo ComponentProps[] = {
-    Published<&TComponent::Name, &TComponent::SetName>("Name"),
+    Published<&TComponent::Name, &TComponent::SetName>("Name", {.IsStored = NeverStored}),
 };
+
+/// Searching this many names is faster than keeping them in a table.
+constexpr std::size_t FewComponents = 16;
 
 } // namespace
 
 constinit const TClassRecord TComponent::ClassRecord{"TComponent", &TPersistent::ClassRecord,
-                                                     nullptr, ComponentProps};
+                                                     CreateObject<TComponent>, ComponentProps};
+
+/// The named components of an owner by their names, without case.
+class TComponent::TNameIndex {
+public:
+    explicit TNameIndex(const std::vector<TComponent*>& components) {
+        for (TComponent* component : components) Add(component);
+    }
+    void Add(TComponent* component) {
+        if (!component->FName.empty()) FNames.insert(component);
+    }
+    void Remove(TComponent* component) { FNames.erase(component); }
+    TComponent* Find(std::string_view name) const {
+        const auto found = FNames.find(name);
+        return found == FNames.end() ? nullptr : *found;
+    }
+
+private:
+    static std::string_view NameOf(std::string_view name) { return name; }
+    static std::string_view NameOf(const TComponent* component) { return component->FName; }
+    struct THash {
+        using is_transparent = void;
+        template <class T> std::size_t operator()(const T& key) const {
+            std::size_t hash = 14695981039346656037u; // FNV-1a
+            for (const char c : NameOf(key)) {
+                const bool upper = c >= 'A' && c <= 'Z';
+                hash = (hash ^ static_cast<unsigned char>(upper ? c | 0x20 : c)) * 1099511628211u;
+            }
+            return hash;
+        }
+    };
+    struct TEqual {
+        using is_transparent = void;
+        template <class A, class B> bool operator()(const A& a, const B& b) const {
+            return SameText(NameOf(a), NameOf(b));
+        }
+    };
+    std::unordered_set<TComponent*, THash, TEqual> FNames;
+};
 
 TComponent::TComponent(TComponent* owner) {
     if (owner) owner->InsertComponent(this);
 }
 
 TComponent::~TComponent() {
+    SetFlag(csDestroying, true);
     while (!FComponents.empty()) {
         TComponent* const last = FComponents.back();
         RemoveComponent(last);
@@ -29,12 +79,17 @@ TComponent::~TComponent() {
     if (FOwner) FOwner->RemoveComponent(this);
 }
 
+// --- Names and owners -------------------------------------------------------------------------
+
 void TComponent::SetName(std::string_view name) {
     if (name == FName) return;
     if (!name.empty() && !IsValidIdent(name))
         throw EComponentError(Format("'%s' is not a valid component name", {name}));
     if (FOwner) FOwner->ValidateRename(this, name);
+    TNameIndex* const index = FOwner ? FOwner->FNameIndex.get() : nullptr;
+    if (index) index->Remove(this);
     FName = name;
+    if (index) index->Add(this);
 }
 
 TComponent* TComponent::Components(int index) const {
@@ -44,6 +99,7 @@ TComponent* TComponent::Components(int index) const {
 
 TComponent* TComponent::FindComponent(std::string_view name) const {
     if (name.empty()) return nullptr;
+    if (FNameIndex) return FNameIndex->Find(name);
     for (TComponent* component : FComponents)
         if (SameText(component->FName, name)) return component;
     return nullptr;
@@ -54,12 +110,17 @@ void TComponent::InsertComponent(TComponent* component) {
     if (component->FOwner) component->FOwner->RemoveComponent(component);
     FComponents.push_back(component);
     component->FOwner = this;
+    if (FNameIndex)
+        FNameIndex->Add(component);
+    else if (FComponents.size() > FewComponents)
+        FNameIndex = std::make_unique<TNameIndex>(FComponents);
 }
 
 void TComponent::RemoveComponent(TComponent* component) {
     // The newest goes first most of the time.
     const auto found = std::find(FComponents.rbegin(), FComponents.rend(), component);
     if (found == FComponents.rend()) return;
+    if (FNameIndex) FNameIndex->Remove(component);
     FComponents.erase(std::next(found).base());
     component->FOwner = nullptr;
 }
@@ -68,6 +129,47 @@ void TComponent::ValidateRename(const TComponent* component, std::string_view na
     const TComponent* const same = FindComponent(name);
     if (same && same != component)
         throw EComponentError(Format("a component named %s already exists", {name}));
+}
+
+// --- Streaming --------------------------------------------------------------------------------
+
+void TComponent::SetFlag(TComponentFlag flag, bool on) {
+    if (on)
+        FComponentState.Include(flag);
+    else
+        FComponentState.Exclude(flag);
+}
+
+void TComponent::SetInline(bool value) {
+    SetFlag(csInline, value);
+}
+
+void TComponent::SetDesigning(bool value) {
+    SetFlag(csDesigning, value);
+}
+
+void TComponent::GetChildren(const TGetChildProc& proc, const TComponent* root) const {
+    if (root != this) return;
+    for (TComponent* component : FComponents)
+        if (!component->GetParentComponent()) proc(*component);
+}
+
+void TComponent::SetChildOrder(TComponent& child, int order) {
+    if (child.FOwner != this) return;
+    const auto from = std::find(FComponents.begin(), FComponents.end(), &child);
+    FComponents.erase(from);
+    auto to = FComponents.begin();
+    for (; to != FComponents.end(); ++to)
+        if (!(*to)->GetParentComponent() && order-- <= 0) break;
+    FComponents.insert(to, &child);
+}
+
+void TComponent::ReadState(TReader& reader) {
+    reader.ReadData(*this);
+}
+
+void TComponent::WriteState(TWriter& writer) {
+    writer.WriteData(*this);
 }
 
 } // namespace tarn
