@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the release and the build with AddressSanitizer and
-# UndefinedBehaviorSanitizer, and runs all tests in both.
+# UndefinedBehaviorSanitizer, and runs all tests in both; then fuzzes for a minute.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 source tools/setup.sh
@@ -12,4 +12,5 @@ for preset in release debug; do
     say "testing $preset"
     ctest --preset "$preset" -j "$(nproc)"
 done
+tools/fuzz.sh 60
 say "all tests passed"

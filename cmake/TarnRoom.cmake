@@ -10,6 +10,12 @@ if(TARN_SANITIZE)
                                                   -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(tarn_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(TARN_FUZZ)
+    # The rooms report their branches to the fuzzer, too: without that it would search blindly.
+    target_compile_options(tarn_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+                                                  -fno-sanitize-recover=all)
+    target_link_options(tarn_options INTERFACE -fsanitize=address,undefined)
+endif()
 
 # tarn_room(NAME [DEPENDS room...]): one folder, one library. A room sees its own folder and those
 # of the rooms it depends on, so that an include against the arrows does not compile.

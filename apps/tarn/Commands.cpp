@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "Form.h"
 #include "Ini.h"
 #include "Languages.h"
 #include "Places.h"
@@ -260,6 +261,7 @@ int TarnMain(int argc, char** argv) {
     CLI::App* const menu = app.add_subcommand("menu", "Print the menu as the pack builds it");
 
     std::function<void()> chosen; // the command, where it has a file of its own
+    AddFormCommand(app, chosen);
     AddIniCommand(app, chosen);
 
     std::string packageDir;

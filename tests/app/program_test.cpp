@@ -209,6 +209,9 @@ TEST_F(ProgramTest, ReadsAndChangesIniText) {
         EXPECT_EQ(Run("ini " + std::string(arguments)), expected) << arguments;
     EXPECT_EQ(ReadFile(Folder.Path() / "a.ini"),
               "[Files]\r\na b=c = d\r\n\r\n[View]\r\nZoom=12\r\n\r\n");
+    // The mark of UTF-8 is not part of the first line, and is no line left out.
+    Write("mark.ini", "\xEF\xBB\xBF[S]\r\na=1\r\n");
+    EXPECT_EQ(Run("ini mark.ini set S b 2"), "0||");
     EXPECT_EQ(Run("ini a.ini delete view"), "0||");
     EXPECT_FALSE(std::filesystem::exists(Folder.Path() / "a.ini~"));
 
@@ -218,6 +221,49 @@ TEST_F(ProgramTest, ReadsAndChangesIniText) {
                                           "any section; the former file is b.ini~\n");
     EXPECT_EQ(ReadFile(Folder.Path() / "b.ini"), "[S]\r\na=1\r\nb=2\r\n\r\n");
     EXPECT_EQ(ReadFile(Folder.Path() / "b.ini~"), commented);
+}
+
+TEST_F(ProgramTest, ConvertsAndChangesForms) {
+    constexpr std::string_view text =
+        "object A: TA\r\n  Left = 5\r\n  inherited B: TB [1]\r\n"
+        "    Text = 'one'\r\n  end\r\n  object TC\r\n  end\r\nend\r\n";
+    Write("a.dfm", text);
+    Write("loose.dfm", "object A: TA\n  Left =  5\nend\n");
+    Write("cut.dfm", "object A: TA\n  Left = \nend\n");
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {"show a.dfm", "0|A: TA\n  inherited B: TB [1]\n  TC\n|"},
+        {"show a.dfm b", "0|inherited B: TB [1]\n|"},
+        {"show a.dfm Left", "1||tarn: a.dfm: A.Left is no object\n"},
+        {"get a.dfm b", "0|inherited B: TB [1]\n  Text = 'one'\nend\n|"},
+        {"get a.dfm B.Text", "0|'one'\n|"},
+        {"get a.dfm B.Txet", "1||tarn: a.dfm: A.B has no Txet; is Text meant?\n"},
+        {"check a.dfm", "0|a.dfm: ok\n|"},
+        {"check a.dfm loose.dfm", "1|a.dfm: ok\nloose.dfm: line 2: Left =  5 becomes Left = 5\n|"
+                                  "tarn: 1 of 2 files differ or cannot be read\n"},
+        {"check none.dfm", "3|cannot read none.dfm: no such file or folder\n|"
+                           "tarn: 1 of 1 files differ or cannot be read\n"},
+        {"convert none.dfm", "3||tarn: cannot read none.dfm: no such file or folder\n"},
+        {"convert a.dfm none/b.dfm", "3||tarn: cannot write none/b.dfm: no such file or folder\n"},
+        {"convert stdin", "1||tarn: stdin: is no form file: it is empty\n"},
+        {"convert a.dfm", "0||"}, // in place
+        {"convert a.dfm --to Binary", "0||"},
+        {"convert a.dfm b.dfm", "0||"},
+        {"set a.dfm b.text -i -- \"-it's\"", "0||"},
+        {"set a.dfm Left -i one two", "2||tarn: The following argument was not expected: two\n"},
+        {"set a.dfm Left \"'1'\" -i",
+         "1||tarn: a.dfm: A.Left: '1' is a string instead of an integer\n"},
+        {"get a.dfm B.Text", "0|'-it'#39's'\n|"},
+        {"set a.dfm B.Tag 1 --add -i", "0||"},
+    };
+    for (const auto& [arguments, expected] : cases)
+        EXPECT_EQ(Run("form " + std::string(arguments)), expected) << arguments;
+    EXPECT_EQ(ReadFile(Folder.Path() / "b.dfm"), text);
+    EXPECT_EQ(Run("form convert a.dfm -"),
+              "0|object A: TA\r\n  Left = 5\r\n  inherited B: TB [1]\r\n    Text = '-it'#39's'\r\n"
+              "    Tag = 1\r\n  end\r\n  object TC\r\n  end\r\nend\r\n|");
+    EXPECT_EQ(Run("form set loose.dfm left 6"), "0|object A: TA\n  Left =  6\nend\n|");
+    EXPECT_EQ(Run("form convert cut.dfm").substr(0, 26), "1||tarn: cut.dfm: line 4, ");
+    EXPECT_EQ(ReadFile(Folder.Path() / "cut.dfm"), "object A: TA\n  Left = \nend\n");
 }
 
 } // namespace
