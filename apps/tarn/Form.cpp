@@ -50,8 +50,8 @@ public:
     std::string_view Bytes() const { return {FBytes.get(), FIdentity.Size}; }
     TFormProgress Telling(TProgress& progress) const {
         if (!progress.IsVisible()) return {};
-        return [this, &progress](std::size_t done) {
-            progress.Show(static_cast<double>(done) / static_cast<double>(Bytes().size()), FName);
+        return [this, name = Shown(FName), &progress](std::size_t done) {
+            progress.Show(static_cast<double>(done) / static_cast<double>(Bytes().size()), name);
         };
     }
     /// Raises EFileError when somebody else has changed the file since it was read.
@@ -149,7 +149,8 @@ void Check(const TRequest& request) {
     std::size_t differing = 0;
     for (std::size_t i = 0; i < request.Files.size(); ++i) {
         const std::string& name = request.Files[i];
-        progress.Show(static_cast<double>(i) / static_cast<double>(request.Files.size()), name);
+        progress.Show(static_cast<double>(i) / static_cast<double>(request.Files.size()),
+                      Shown(name));
         const auto [exitCode, line] = Checked(name, progress);
         worst = std::max(worst, exitCode);
         if (exitCode != ExitDone) ++differing;

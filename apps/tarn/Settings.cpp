@@ -1,6 +1,7 @@
 #include "Settings.h"
 
 #include "ScriptSource.h"
+#include "qsDataHndl2.h"
 #include "qsExpShrData.h"
 
 #include <vector>
@@ -43,6 +44,14 @@ std::string Choices(const TClassRecord& record) {
     return text;
 }
 
+/// The names of an enumeration's values.
+std::string Choices(const TTypeInfo& type) {
+    std::string text;
+    for (const std::string_view name : type.Names)
+        text.append(text.empty() ? "" : ", ").append(name);
+    return text;
+}
+
 struct TListName {
     std::string_view Name;
     TSpcCollection* List;
@@ -80,11 +89,21 @@ TTarget Find(std::string_view path) {
         if (!prop)
             Refuse("there is no property '" + parts[next] + "'; there are " +
                    Choices(object->ClassType()));
-        if (next + 1 == parts.size()) return {object, prop};
+        const bool isObject = prop->PropType->Kind == tkClass;
+        if (!isObject && next + 1 == parts.size()) return {object, prop};
         TObject* below = nullptr;
-        if (prop->PropType->Kind == tkClass) prop->Get(*object, &below);
+        if (isObject) prop->Get(*object, &below);
         if (!below) Refuse("'" + parts[next] + "' has no properties");
         object = below;
+    }
+}
+
+/// The access's result; what the property refuses becomes an error that names the path.
+template <class F> auto Naming(std::string_view path, F&& access) {
+    try {
+        return access();
+    } catch (const Exception& error) {
+        Refuse(Format("'%s': %s", {path, error.Message()}));
     }
 }
 
@@ -92,53 +111,15 @@ TTarget Find(std::string_view path) {
 
 std::string GetSetting(std::string_view path) {
     const TTarget target = Find(path);
-    const TTypeInfo& type = *target.Prop->PropType;
-    if (type.Kind == tkLString) {
-        std::string text;
-        target.Prop->Get(*target.Object, &text);
-        return text;
-    }
-    if (type.Kind != tkInteger && type.Kind != tkEnumeration)
-        Refuse("'" + std::string(path) + "' has no text form");
-    std::int32_t value = 0;
-    target.Prop->Get(*target.Object, &value);
-    if (type.Kind == tkEnumeration)
-        return std::string(type.Names[static_cast<std::size_t>(value - type.MinValue)]);
-    // A cardinal number travels in the same 32 bits.
-    return type.MinValue < 0 ? IntToStr(value) : IntToStr(static_cast<std::uint32_t>(value));
+    return Naming(path, [&] { return GetPropAsText(*target.Object, *target.Prop); });
 }
 
 void SetSetting(std::string_view path, std::string_view value) {
     const TTarget target = Find(path);
     const TTypeInfo& type = *target.Prop->PropType;
-    if (!target.Prop->Set) Refuse("'" + std::string(path) + "' cannot be set");
-    if (type.Kind == tkLString) {
-        const std::string text(value);
-        target.Prop->Set(*target.Object, &text);
-        return;
-    }
-    std::int32_t number = 0;
-    if (type.Kind == tkEnumeration) {
-        std::string names;
-        bool found = false;
-        for (std::size_t i = 0; i < type.Names.size(); ++i) {
-            names.append(i > 0 ? ", " : "").append(type.Names[i]);
-            if (!SameText(type.Names[i], value)) continue;
-            number = static_cast<std::int32_t>(type.MinValue + static_cast<std::int64_t>(i));
-            found = true;
-        }
-        if (!found) Refuse("'" + std::string(value) + "' is no value; there are " + names);
-    } else if (type.Kind == tkInteger) {
-        try {
-            number = StrToInt(value);
-        } catch (const EConvertError&) {
-            Refuse("'" + std::string(value) + "' is no whole number that fits");
-        }
-        if (number < type.MinValue || number > type.MaxValue)
-            Refuse(Format("%s is outside %d to %d", {value, type.MinValue, type.MaxValue}));
-    } else
-        Refuse("'" + std::string(path) + "' cannot be set from a text");
-    target.Prop->Set(*target.Object, &number);
+    if (type.Kind == tkEnumeration && !ContainsIn(type, value))
+        Refuse("'" + std::string(value) + "' is no value; there are " + Choices(type));
+    Naming(path, [&] { SetPropByText(*target.Object, *target.Prop, value); });
 }
 
 } // namespace tarn

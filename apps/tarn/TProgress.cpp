@@ -7,12 +7,12 @@
 namespace tarn {
 namespace {
 
-constexpr std::chrono::milliseconds Delay{500};
 constexpr std::chrono::milliseconds Interval{100};
 
 } // namespace
 
-TProgress::TProgress() : FVisible(::isatty(STDERR_FILENO) == 1), FNext(TClock::now() + Delay) {}
+TProgress::TProgress(std::chrono::milliseconds delay)
+    : FVisible(::isatty(STDERR_FILENO) == 1), FNext(TClock::now() + delay) {}
 
 void TProgress::Show(double share, std::string_view what) {
     if (!FVisible || TClock::now() < FNext) return;

@@ -9,7 +9,8 @@ namespace tarn {
 /// terminal, and nothing in the first moments. The line goes with the object.
 class TProgress {
 public:
-    TProgress();
+    /// \param delay how long nothing is shown
+    explicit TProgress(std::chrono::milliseconds delay = std::chrono::milliseconds(500));
     TProgress(const TProgress&) = delete;
     TProgress& operator=(const TProgress&) = delete;
     ~TProgress() { Clear(); }

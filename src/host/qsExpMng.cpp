@@ -1,5 +1,7 @@
 #include "qsExpMng.h"
 
+#include "TObjectStorage.h"
+#include "qsDialogs.h"
 #include "qsErrorLog.h"
 #include "qsLocale.h"
 #include "vcl/Forms.h"
@@ -37,6 +39,9 @@ void InitializeExpMng() {
     RecreateExpData();
     Package().Dir = ExtractFilePath(OS().GetModuleFileName());
     Package().SettingsName = "ExpData.spc";
+    // Stays filled: what a front end has put there is not replaced by a later start.
+    if (!TObjectStorage::AskUser)
+        TObjectStorage::AskUser = [](std::string_view question) { return WarningDialog(question); };
     if (ExpManagerSlots().InstallSaveRoutine) ExpManagerSlots().InstallSaveRoutine();
 }
 

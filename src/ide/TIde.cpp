@@ -4,10 +4,12 @@
 #include "Services/OtaEditors.h"
 #include "Source/EditorKeys.h"
 #include "rtl/SysUtils.h"
+#include "vcl/StandardIdents.h"
 
 namespace tarn {
 
 TIde::TIde() : FMainForm(*this), FModules(*this), FServices(new TIdeServices(*this)) {
+    RegisterStandardIdents();
     FApplication.Title = "Embedded IDE";
     FApplication.ExeName = OS().GetModuleFileName();
     FApplication.MainForm = &FMainForm;

@@ -79,30 +79,28 @@ const TPropInfo* TPropRef::Find(TObject*& instance) {
 
 TComponent* FindComponentEx(TComponent* root, std::string_view path) {
     if (path.empty() || path.back() == '.') return nullptr;
-    while (root && !path.empty()) {
-        const std::string_view name = TakeName(path);
-        // Components without a name are not to be found by an empty one.
-        root = name.empty() ? nullptr : root->FindComponent(name);
-    }
+    while (root && !path.empty()) root = root->FindComponent(TakeName(path));
     return root;
 }
 
 TComponent* AnalyseNamePath(TComponent* root, std::string_view path, std::string& compPath,
                             std::string& propName) {
-    const std::string_view whole = path;
-    compPath.clear();
-    propName = whole;
-    if (whole.empty()) return nullptr;
-    for (;;) {
-        const std::size_t point = path.rfind('.');
-        if (point == std::string_view::npos) return root;
-        path = path.substr(0, point);
-        if (TComponent* const component = FindComponentEx(root, path)) {
-            compPath = path;
-            propName = whole.substr(point + 1);
-            return component;
-        }
+    TComponent* component = path.empty() ? nullptr : root;
+    std::string_view front, rest = path;
+    for (std::size_t point = path.rfind('.'); point != std::string_view::npos && point > 0;
+         point = path.rfind('.', point - 1)) {
+        TComponent* const found = FindComponentEx(root, path.substr(0, point));
+        if (!found) continue;
+        component = found;
+        front = path.substr(0, point);
+        rest = path.substr(point + 1);
+        break;
     }
+    // Both are made before either is stored: a caller's path may lie in one of them.
+    std::string made(rest);
+    compPath = std::string(front);
+    propName = std::move(made);
+    return component;
 }
 
 bool AnalyseNamePath(TComponent* root, std::string_view path, TAnalysisFindings& findings) {

@@ -56,10 +56,10 @@ std::int64_t OrdinalValue(const TTypeInfo& type, std::int32_t slot) {
 }
 
 /// The number as a slot. Raises EConvertError outside the range of the type; a type record without
-/// a range admits 32 bits.
+/// a range, such as a set's, admits 32 bits, with a sign or without.
 std::int32_t OrdinalSlot(const TTypeInfo& type, std::int64_t value) {
     constexpr std::int64_t least = std::numeric_limits<std::int32_t>::min();
-    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
     const bool ranged = type.MinValue < type.MaxValue || !type.Names.empty();
     const std::int64_t lower = ranged ? type.MinValue : least;
     const std::int64_t upper = ranged ? type.MaxValue : most;

@@ -70,6 +70,7 @@ TEST(Settings, ErrorsNameWhatThereIs) {
     const std::string objects(Objects);
     const std::string items = "MoveBlockLeftOneItem, MoveBlockLeftTwoItem, MoveBlockRightOneItem, "
                               "MoveBlockRightTwoItem, SortLinesItem, SettingItem, AboutFormItem";
+    const std::string formData = "AutoSaveSetting, SaveSettingShortCut, Setting";
     const std::pair<std::string_view, std::string> paths[] = {
         {"", "2 there is no ''; there are " + objects + ", ActiveExperts, MenuData"},
         {"Editor.Safe",
@@ -82,17 +83,17 @@ TEST(Settings, ErrorsNameWhatThereIs) {
         {"EditorManagerData.Safe",
          "2 there is no property 'Safe'; there are MoveCursorTopLeft, SafeStringMoving"},
         {"EditorManagerData.SafeStringMoving.X", "2 'SafeStringMoving' has no properties"},
-        {"ExpManagerData.EditorFormData", "2 'ExpManagerData.EditorFormData' has no text form"},
+        {"ExpManagerData.EditorFormData",
+         "2 'ExpManagerData.EditorFormData' needs a property: " + formData},
     };
     for (const auto& [path, expected] : paths) EXPECT_EQ(Get(path), expected) << path;
 
     EXPECT_EQ(Set("EditorManagerData.SafeStringMoving", "maybe"),
               "2 'maybe' is no value; there are False, True");
     EXPECT_EQ(Set("MenuData.SortLinesItem.ImageIndex", "9999999999"),
-              "2 '9999999999' is no whole number that fits");
-    EXPECT_EQ(Set("MenuData.SortLinesItem.ImageIndex", "x"), "2 'x' is no whole number that fits");
+              "2 'MenuData.SortLinesItem.ImageIndex': '9999999999' is not a valid integer value");
     EXPECT_EQ(Set("ExpManagerData.EditorFormData", "x"),
-              "2 'ExpManagerData.EditorFormData' cannot be set from a text");
+              "2 'ExpManagerData.EditorFormData' needs a property: " + formData);
     EXPECT_EQ(Get("EditorManagerData.SafeStringMoving"), "True");
     EXPECT_EQ(Get("MenuData.SortLinesItem.ImageIndex"), "-1");
 }

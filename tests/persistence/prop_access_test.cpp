@@ -16,16 +16,24 @@ constexpr std::string_view LetterNames[] = {"a", "b", "c"};
 /// Ordinals that do not begin at 0, one of them outside a set.
 enum TFar : std::uint8_t { farLow = 30, farMid, farHigh };
 constexpr std::string_view FarNames[] = {"farLow", "farMid", "farHigh"};
+enum TOnly : std::uint8_t { only };
+constexpr std::string_view OnlyNames[] = {"only"};
 
 } // namespace
 
 template <> inline constexpr TTypeInfo TypeInfoOf<TLetter> = EnumType("TLetter", LetterNames);
 template <> inline constexpr TTypeInfo TypeInfoOf<TFar> = EnumType("TFar", FarNames, 30);
+template <> inline constexpr TTypeInfo TypeInfoOf<TOnly> = EnumType("TOnly", OnlyNames);
 
 namespace {
 
-constexpr TTypeInfo MyDateType = {"TMyDate", tkFloat};
+// The names that count, in other letters, and names that do not.
 constexpr TTypeInfo ShoutedColorType = IntegerType<std::int32_t>("TCOLOR");
+constexpr TTypeInfo ShoutedDateTimeType = {"TDATETIME", tkFloat};
+constexpr TTypeInfo ShoutedDateType = {"TDATE", tkFloat};
+constexpr TTypeInfo ShoutedTimeType = {"TTIME", tkFloat};
+constexpr TTypeInfo MyColorType = IntegerType<std::int32_t>("TMyColor");
+constexpr TTypeInfo MyDateType = {"TMyDate", tkFloat};
 
 class TFont : public TPersistent {
 public:
@@ -51,7 +59,8 @@ constexpr TPropInfo BigFontProps[] = {Published<&TBigFont::Weight>("Weight")};
 constinit const TClassRecord TBigFont::ClassRecord{"TBigFont", &TFont::ClassRecord,
                                                    CreateObject<TBigFont>, BigFontProps};
 
-constexpr const TClassRecord* SampleFields[] = {&TFont::ClassRecord};
+constexpr TClassRecord Inner{"TInner", &TPersistent::ClassRecord};
+constexpr const TClassRecord* SampleFields[] = {&TFont::ClassRecord, &Inner};
 
 class TSample : public TComponent {
 public:
@@ -65,6 +74,7 @@ public:
     char Char = 0;
     bool Flag = false;
     TLetter Letter = a;
+    TOnly Only = only;
     TSet<TLetter> Letters;
     TSet<TFar> Fars;
     double Float = 0, Date = 0, Time = 0, Moment = 0, MyDate = 0;
@@ -84,15 +94,17 @@ constexpr TPropInfo SampleProps[] = {
     Published<&TSample::Octet>("Octet"),
     Published<&TSample::Cardinal>("Cardinal"),
     Published<&TSample::Color>("Color", {.Type = &ShoutedColorType}),
+    Published<&TSample::Int>("MyColor", {.Type = &MyColorType}),
     Published<&TSample::Char>("Char"),
     Published<&TSample::Flag>("Flag"),
     Published<&TSample::Letter>("Letter"),
+    Published<&TSample::Only>("Only"),
     Published<&TSample::Letters>("Letters"),
     Published<&TSample::Fars>("Fars"),
     Published<&TSample::Float>("Float"),
-    Published<&TSample::Date>("Date", {.Type = &DateType}),
-    Published<&TSample::Time>("Time", {.Type = &TimeType}),
-    Published<&TSample::Moment>("Moment", {.Type = &DateTimeType}),
+    Published<&TSample::Date>("Date", {.Type = &ShoutedDateType}),
+    Published<&TSample::Time>("Time", {.Type = &ShoutedTimeType}),
+    Published<&TSample::Moment>("Moment", {.Type = &ShoutedDateTimeType}),
     Published<&TSample::MyDate>("MyDate", {.Type = &MyDateType}),
     Published<&TSample::Single>("Single"),
     Published<&TSample::Text>("Text"),
@@ -136,6 +148,7 @@ TEST(PropAccess, TextsOfEveryKind) {
         {"Cardinal", "$FFFFFFFE", "4294967294"},
         {"Color", "clRed"},
         {"Color", "CLINFOBK", "clInfoBk"},
+        {"MyColor", "255"},
         {"Char", "x"},
         {"Char", "\xE4z", "\xE4"},
         {"Char", "", std::string_view("\0", 1)},
@@ -287,8 +300,9 @@ TEST(PropAccess, Variants) {
         {"Flag", true, 1},
         {"Letter", "c", 2},
         {"Letter", 3, 2, "EConvertError: 3 is outside 0 to 2"},
+        {"Only", 1, 0, "EConvertError: 1 is outside 0 to 0"},
         {"Letters", "[a,b]", 3},
-        {"Letters", 4, 4},
+        {"Letters", 0x80000004LL, -2147483644LL}, // the same bits
         {"Float", 1, 1.0},
         {"Date", "12/31/1899", 1.0},
         {"Float", static_cast<TObject*>(&font), 1.0, "EConvertError: an object is not a number"},
@@ -329,7 +343,7 @@ TEST(PropAccess, Sets) {
         {"[ ] ]", 0},        {"abc", 0, "!abc"},
         {"", 0, "!"},        {"[", 0, "!["},
         {"[a", 0, "![a"},    {"[ ] ", 0, "![ ] "},
-        {"[a b]", 0, "a b"},
+        {"[a b]", 0, "a b"}, {"[a,[b]", 0, "[b"}, // from the first bracket on
     };
     for (const auto& row : cases) {
         std::uint32_t mask = 0;
@@ -344,7 +358,12 @@ TEST(PropAccess, Sets) {
     }
     for (std::uint32_t mask = 0; mask < 8; ++mask)
         EXPECT_EQ(StrToSet(type, SetToStr(type, mask)), mask);
-    EXPECT_EQ(SetToStr(TypeInfoOf<TSet<TFar>>, 0xC0000001), "[farLow,farMid]");
+    const TTypeInfo& fars = TypeInfoOf<TSet<TFar>>;
+    EXPECT_EQ(SetToStr(fars, 0xC0000001), "[farLow,farMid]");
+    // Ordinals outside 0 to 31 are no bits.
+    EXPECT_EQ(StrToSet(fars, "[farMid,farHigh]"), 0x80000000);
+    const TTypeInfo below = EnumType("TBelow", LetterNames, -1);
+    EXPECT_EQ(StrToSet({"TBelows", tkSet, 0, 0, {}, &below}, "[a,b]"), 1u);
 }
 
 TEST(PropAccess, Enumerations) {
@@ -361,10 +380,13 @@ TEST(PropAccess, Enumerations) {
     EXPECT_EQ(names[0] + names[2], "farLowfarHigh");
 }
 
-const TClassRecord& OnlyFont(const TObject& object) {
-    static constexpr TPropInfo props[] = {Published<&TSample::Font>("Other")};
-    static constexpr TClassRecord record{"TOther", nullptr, nullptr, props};
-    return ClassCast<TSample>(const_cast<TObject*>(&object)) ? record : object.ClassType();
+// Other names for the properties of samples and fonts.
+constexpr TPropInfo OtherSampleProps[] = {Published<&TSample::Font>("Other")};
+constexpr TPropInfo OtherFontProps[] = {Published<&TFont::Size>("Length")};
+constexpr TClassRecord OtherSampleRecord{"TOther", nullptr, nullptr, OtherSampleProps};
+constexpr TClassRecord OtherFontRecord{"TOtherFont", nullptr, nullptr, OtherFontProps};
+const TClassRecord& OtherNames(const TObject& object) {
+    return object.InheritsFrom(TSample::ClassRecord) ? OtherSampleRecord : OtherFontRecord;
 }
 
 TEST(PropAccess, Paths) {
@@ -373,7 +395,7 @@ TEST(PropAccess, Paths) {
     TBigFont second;
     sample.Font = &first;
     first.Next = &second;
-    const auto provider = TTypeInfoProvider::Of<OnlyFont>();
+    const auto provider = TTypeInfoProvider::Of<OtherNames>();
     const struct {
         std::string_view Path;
         const TPropInfo* Prop;
@@ -391,8 +413,9 @@ TEST(PropAccess, Paths) {
         {"Font.", nullptr, &sample},
         {".Font", nullptr, &sample},
         {"", nullptr, &sample},
-        {"Other.Size", &FontProps[0], &first, provider},
-        {"Font.Size", nullptr, &sample, provider},
+        {"Other.Length", &OtherFontProps[0], &first, provider},
+        {"Other.Size", nullptr, &sample, provider},
+        {"Font.Length", nullptr, &sample, provider},
     };
     for (const auto& row : cases) {
         TObject* owner = &sample;
@@ -419,10 +442,26 @@ TEST(PropAccess, Paths) {
     EXPECT_NO_THROW(TPropRef("a.b.c.d.e.f.g.h"));
     EXPECT_THROW(TPropRef("a.b.c.d.e.f.g.h."), EListError);
 
-    SetPropByText(sample, "Other.Weight", "700", provider);
-    EXPECT_EQ(second.Weight, 700);
-    EXPECT_EQ(GetPropAsVariant(sample, "Other.Weight", provider), TVariant(700));
     EXPECT_EQ(GetPropAsText(sample, "Int.Anything"), "0");
+}
+
+TEST(PropAccess, FormsByPath) {
+    TSample sample;
+    TFont font;
+    sample.Font = &font;
+    const auto provider = TTypeInfoProvider::Of<OtherNames>();
+    const std::string_view path = "Other.Length";
+    SetPropByText(sample, path, "700", provider);
+    EXPECT_EQ(font.Size, 700);
+    EXPECT_EQ(GetPropAsText(sample, path, provider), "700");
+    SetPropByVariant(sample, path, 800, provider);
+    EXPECT_EQ(font.Size, 800);
+    EXPECT_EQ(GetPropAsVariant(sample, path, provider), TVariant(800));
+    void* slot = nullptr;
+    GetPropAsPtr(sample, path, slot, provider);
+    font.Size = 0;
+    SetPropByPtr(sample, path, slot, provider);
+    EXPECT_EQ(font.Size, 800);
 }
 
 /// A component with a name.
@@ -446,6 +485,8 @@ TEST(PropAccess, NamePaths) {
         {"panel1.BUTTON1.Caption", &button, "panel1.BUTTON1", "Caption"},
         {"Panel1.Button2.Caption", &panel, "Panel1", "Button2.Caption"},
         {"Panel1.Button1", &panel, "Panel1", "Button1"},
+        {"Panel1.NAME", &panel, "Panel1", "NAME", TComponent::ClassRecord.FindProp("Name")},
+        {"Panel1.Int", &panel, "Panel1", "Int"}, // the root has it
         {"Panel1.", &panel, "Panel1", ""},
         {"Panel1..Caption", &panel, "Panel1", ".Caption"},
         {"Panel1", &root, "", "Panel1"},
@@ -459,6 +500,12 @@ TEST(PropAccess, NamePaths) {
         EXPECT_EQ(AnalyseNamePath(&root, row.Path, compPath, propName), row.Component);
         EXPECT_EQ(compPath, row.CompPath) << row.Path;
         EXPECT_EQ(propName, row.PropName) << row.Path;
+        // The path may lie where one of the results comes.
+        std::string front(row.Path), behind, before, rest(row.Path);
+        AnalyseNamePath(&root, front, front, behind);
+        AnalyseNamePath(&root, rest, before, rest);
+        EXPECT_EQ(std::pair(front, behind), std::pair(compPath, propName));
+        EXPECT_EQ(std::pair(before, rest), std::pair(compPath, propName));
         TAnalysisFindings findings{"old", "old", &button, &FontProps[1]};
         EXPECT_EQ(AnalyseNamePath(&root, row.Path, findings), row.Component != nullptr);
         EXPECT_EQ(findings.CompPath, compPath);
@@ -475,6 +522,7 @@ TEST(PropAccess, FieldClasses) {
     THeir heir;
     TSample sample;
     EXPECT_EQ(GetFieldClass(heir, "TFONT"), &OtherFont); // the nearest class's own
+    EXPECT_EQ(GetFieldClass(heir, "TInner"), &Inner);    // an ancestor's
     EXPECT_EQ(GetFieldClass(sample, "TFONT"), &TFont::ClassRecord);
     EXPECT_EQ(GetFieldClass(sample, "TBigFont"), nullptr);
     RegisterClass(TBigFont::ClassRecord);
@@ -482,7 +530,8 @@ TEST(PropAccess, FieldClasses) {
 
     std::vector<const TClassRecord*> registered{&TSample::ClassRecord};
     RegisterFieldClasses(heir, registered);
-    EXPECT_EQ(registered, std::vector<const TClassRecord*>{&OtherFont});
+    const std::vector<const TClassRecord*> lacking{&OtherFont, &Inner};
+    EXPECT_EQ(registered, lacking);
     EXPECT_EQ(GetClass("TFont"), &OtherFont);
     UnRegisterFieldClasses(registered);
     EXPECT_EQ(GetClass("TFont"), nullptr);
@@ -500,6 +549,8 @@ TEST(Colors, HaveNames) {
         EXPECT_EQ(color, name.Color);
         EXPECT_EQ(StringToColor(ColorToString(color)), color);
     }
+    for (unsigned number = 0; number < 25; ++number)
+        EXPECT_EQ(ColorNames()[16 + number].Color, SystemColor(number));
     const std::pair<TColor, std::string_view> texts[] = {
         {0x0000FF, "clRed"},
         {0x808080, "clGray"},

@@ -1,17 +1,22 @@
 #include "ErrorOf.h"
 #include "rtl/TCollection.h"
 #include "rtl/TMemoryStream.h"
+#include "rtl/TStrings.h"
 #include "rtl/TVariant.h"
 #include "rtl/Unicode.h"
 #include "streaming/FormBinary.h"
 #include "streaming/FormResource.h"
 #include "streaming/TFormTextParser.h"
 #include "streaming/TFormTextPrinter.h"
-#include "vcl/TComponent.h"
+#include "vcl/Forms.h"
+#include "vcl/Graphics.h"
+#include "vcl/TToolBar.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
+#include <optional>
 #include <vector>
 
 namespace tarn {
@@ -198,6 +203,7 @@ TEST(FormBinary, ErrorsNamePlaceAndReason) {
          "EReaderError: offset 22: Main.A: the stream ends: 3 of 4 bytes"},
         {"@ 00 02 'TP' 01 'P' 09 'Font.Size' 0E 01 00 01 03 'Sub' 01 02 05 17",
          "EReaderError: offset 42: Main.P.Font.Size[1].Sub[1]: unknown value type 23"},
+        {"@ 02 'A' E9 16", "EReaderError: offset 18: Main.A#233: unknown value type 22"},
         {"@ 01 'A' 0E 02 05 06",
          "EReaderError: offset 20: Main.A[0]: vaList expected, not vaString"},
     };
@@ -211,6 +217,10 @@ TEST(FormBinary, ErrorsNamePlaceAndReason) {
         EXPECT_EQ(TextOf(small), c.Error);
     }
 
+    const std::string oddName = Bytes("'TPF0' 02 'T' 0A 00");
+    EXPECT_EQ(ErrorOf([&] { TReader(oddName).ReadRootComponent(nullptr); }),
+              "EReaderError: offset 4: T#10: no component class named T#10");
+
     const std::string prefix = Bytes(head) + Bytes("01 'A'");
     const auto lists = [&](int count) { // the object is a level, too
         return prefix + std::string(static_cast<std::size_t>(count), '\1') +
@@ -222,7 +232,7 @@ TEST(FormBinary, ErrorsNamePlaceAndReason) {
     EXPECT_EQ(error(lists(MaxFormDepth - 1)), "");
     EXPECT_EQ(error(lists(MaxFormDepth)),
               "EReaderError: offset 529: nested deeper than 512 levels");
-    EXPECT_EQ(TextOf(lists(MaxFormDepth)).substr(0, 37), "EReaderError: offset 529: Main.A[0][0");
+    EXPECT_EQ(TextOf(lists(MaxFormDepth)).substr(0, 37), "EReaderError: offset 529: ...][0][0][");
 }
 
 // --- Objects ----------------------------------------------------------------------------------
@@ -303,10 +313,14 @@ public:
     TColumns FColumns;
     std::vector<std::string> Lines;
     std::string Blob;
+    TStringList FNotes;
+    int NoteChanges = 0;
     int LoadedWith = -1; ///< the tag of the buddy at the time
 
     TPen* Pen() const { return const_cast<TPen*>(&FPen); }
     TColumns* Columns() const { return const_cast<TColumns*>(&FColumns); }
+    TStrings* Notes() const { return const_cast<TStringList*>(&FNotes); }
+    void NotesChanged(TObject*) { ++NoteChanges; }
     int Checked() const { return 0; }
     void SetChecked(int value) {
         if (value != 0) throw EConvertError("no such check");
@@ -370,6 +384,7 @@ constexpr TPropInfo PartProps[] = {
     Published<&TPart::Buddy>("Buddy"),
     Published<&TPart::Pen>("Pen"),
     Published<&TPart::Columns>("Columns"),
+    Published<&TPart::Notes>("Notes"),
     Published<&TPart::Checked, &TPart::SetChecked>("Checked", {.Default = 0}),
     Published<&TPart::Fixed>("Fixed"),
 };
@@ -506,12 +521,45 @@ TEST_F(ComponentStream, EveryKindOfPropertyThereAndBack) {
     EXPECT_EQ(main->Buddy, nullptr);
 }
 
+TEST_F(ComponentStream, StringListsAreListsOfStrings) {
+    using TLines = std::vector<std::string_view>;
+    const struct {
+        TLines Lines;
+        std::optional<TLines> Ancestor;
+        std::string_view Stored;
+    } cases[] = {
+        {{}, {}, ""},
+        {{"a", ""}, {}, "Notes.Strings = (\n    'a'\n    '')"},
+        {{"a", "b"}, {{"a", "b"}}, ""},
+        {{"a", "B"}, {{"a", "b"}}, "Notes.Strings = (\n    'a'\n    'B')"},
+        {{}, {{"a"}}, "Notes.Strings = ()"},
+    };
+    const auto fill = [](TPart& part, const TLines& lines) {
+        for (const std::string_view line : lines) part.FNotes.Add(line);
+    };
+    for (const auto& c : cases) {
+        TPart part, ancestor, copy;
+        fill(part, c.Lines);
+        if (c.Ancestor) fill(ancestor, *c.Ancestor);
+        const std::string form = Stored(part, c.Ancestor ? &ancestor : nullptr);
+        const std::size_t at = std::min(form.find("Notes"), form.size());
+        EXPECT_EQ(form.substr(at, form.find(')', at) + 1 - at), c.Stored);
+
+        fill(copy, {"a", "former"});
+        copy.FNotes.OnChange = TNotifyEvent::Of<&TPart::NotesChanged>(&copy);
+        Read(form, &copy);
+        EXPECT_EQ(copy.FNotes.Equals(part.FNotes), !c.Stored.empty()) << c.Stored;
+        EXPECT_EQ(copy.NoteChanges, c.Stored.empty() ? 0 : 1);
+    }
+}
+
 TEST_F(ComponentStream, ErrorsCanBePassedOver) {
     const struct {
         std::string_view Line, Error; ///< the error without offset and path
     } cases[] = {
         {"Foo = 1", "Main.Foo: property Foo does not exist"},
         {"Pen.Foo = (1 2)", "Main.Pen.Foo: property Foo does not exist"},
+        {"Notes.Strings = ('a' 1 'b')", "Main.Notes.Strings[1]: a string expected, not vaInt8"},
         {"Small.Foo = 1", "Main.Small.Foo: property Small holds no object"},
         {"Buddy.Small = 1", "Main.Buddy.Small: property Buddy holds no object"},
         {"Small = 'x'", "Main.Small: an integer expected, not vaString"},
@@ -692,6 +740,200 @@ TEST_F(ComponentStream, FramesBringTheirOwnParts) {
     EXPECT_EQ(frame->ComponentCount(), 1);
     EXPECT_EQ(main.Next, frame->FindComponent("Inner"));
     EXPECT_EQ(Stored(main), form);
+
+    // A writer that knows what the frame was made from stores the changes alone.
+    TFrameNode model;
+    model.Next = static_cast<TNode*>(model.FindComponent("Inner"));
+    model.Next->Text = "changed";
+    TMemoryStream stream;
+    TWriter writer(stream);
+    writer.OnFindAncestor = [&](TWriter&, const TComponent& each) -> TComponent* {
+        return &each == frame ? &model : nullptr;
+    };
+    writer.WriteRootComponent(main);
+    EXPECT_EQ(TextOf(std::string(stream.Text())), "object Main: TMainNode\n"
+                                                  "  Next = Frame.Inner\n"
+                                                  "  inline Frame: TFrameNode\n"
+                                                  "    inherited Inner: TNode\n"
+                                                  "      Next = Main.Inner\n"
+                                                  "    end\n"
+                                                  "  end\n"
+                                                  "  object Inner: TNode\n"
+                                                  "    Next = Frame\n"
+                                                  "  end\n"
+                                                  "end\n");
+}
+
+class TPaint : public TComponent {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+    TColor Color = clNone;
+    TCursor Cursor = crDefault;
+    TFontCharset Charset = DEFAULT_CHARSET;
+};
+constexpr TPropInfo PaintProps[] = {
+    Published<&TPaint::Color>("Color", {.Default = clNone, .Type = &ColorType}),
+    Published<&TPaint::Cursor>("Cursor", {.Default = crDefault, .Type = &CursorType}),
+    Published<&TPaint::Charset>("Charset", {.Default = DEFAULT_CHARSET, .Type = &FontCharsetType}),
+};
+const TClassRecord TPaint::ClassRecord{"TPaint", &TComponent::ClassRecord, CreateObject<TPaint>,
+                                       PaintProps};
+
+TEST_F(ComponentStream, StandardIdentsStandForNumbers) {
+    RegisterStandardIdents();
+    const struct {
+        std::string_view Read;
+        std::array<int, 3> Values;
+        std::string_view Stored;
+    } cases[] = {
+        {"Color = clWindowText", {clWindowText, 0, 1}, "Color = clWindowText"},
+        {"Color = 16711680", {clBlue, 0, 1}, "Color = clBlue"},
+        {"Color = -2147483633", {clBtnFace, 0, 1}, "Color = clBtnFace"},
+        {"Color = $123456", {0x123456, 0, 1}, "Color = 1193046"},
+        {"Cursor = CRSIZE", {clNone, crSizeAll, 1}, "Cursor = crSizeAll"},
+        {"Cursor = -11", {clNone, crHourGlass, 1}, "Cursor = crHourGlass"},
+        {"Cursor = 5", {clNone, 5, 1}, "Cursor = 5"},
+        {"Charset = RUSSIAN_CHARSET", {clNone, 0, 204}, "Charset = RUSSIAN_CHARSET"},
+        {"Charset = 0", {clNone, 0, 0}, "Charset = ANSI_CHARSET"},
+        {"Charset = 3", {clNone, 0, 3}, "Charset = 3"},
+    };
+    for (const auto& c : cases) {
+        TPaint paint;
+        const std::string bytes = BinaryOf("object TPaint " + std::string(c.Read) + " end");
+        TReader(bytes).ReadRootComponent(&paint);
+        EXPECT_EQ((std::array<int, 3>{paint.Color, paint.Cursor, paint.Charset}), c.Values);
+        EXPECT_EQ(Stored(paint), "object TPaint\n  " + std::string(c.Stored) + "\nend\n");
+    }
+}
+
+/// Registers classes as long as it lives.
+struct TRegistered {
+    explicit TRegistered(std::vector<const TClassRecord*> classes) : Classes(std::move(classes)) {
+        for (const TClassRecord* each : Classes) RegisterClass(*each);
+    }
+    ~TRegistered() { UnRegisterClasses(Classes); }
+    TRegistered(const TRegistered&) = delete;
+    TRegistered& operator=(const TRegistered&) = delete;
+    std::vector<const TClassRecord*> Classes;
+};
+
+TEST_F(ComponentStream, FormsKeepControlsMenusAndActions) {
+    const TRegistered registered({&TControl::ClassRecord, &TToolBar::ClassRecord,
+                                  &TToolButton::ClassRecord, &TMainMenu::ClassRecord,
+                                  &TMenuItem::ClassRecord, &TActionList::ClassRecord,
+                                  &TAction::ClassRecord});
+    const auto add = [](TComponent* component, std::string_view name, TComponent* parent) {
+        component->SetName(name);
+        component->SetParentComponent(parent);
+        return component;
+    };
+    const auto stored = [](TForm& form, TForm* ancestor = nullptr) {
+        // What every control and item has would hide what they differ in.
+        std::string text = Stored(form, ancestor);
+        for (const std::string_view line :
+             {"Left = 0\n", "Top = 0\n", "Width = 0\n", "Height = 0\n", "Caption = ''\n",
+              "Hint = ''\n", "ImageIndex = -1\n", "Height = 22\n", "Top = 22\n"})
+            for (std::size_t at = 0; (at = text.find(line)) != std::string::npos;) {
+                const std::size_t start = text.rfind('\n', at) + 1;
+                text.erase(start, at + line.size() - start);
+            }
+        return text;
+    };
+    const auto read = [](const std::string& text, TForm& into) {
+        const std::string bytes = BinaryOf(text);
+        TReader(bytes).ReadRootComponent(&into);
+    };
+    TForm form;
+    form.SetName("Main");
+    form.SetBoundsRect({1, 2, 300, 200});
+    form.SetVisible(true);
+    TComponent* const actions = add(new TActionList(&form), "Actions", nullptr);
+    add(new TAction(&form), "Go", actions);
+    TComponent* const menu = add(new TMainMenu(&form), "Menu", nullptr);
+    TComponent* const file = add(new TMenuItem(&form), "File", menu);
+    add(new TMenuItem(&form), "Quit", file);
+    add(new TMenuItem(&form), "Edit", menu);
+    TComponent* const panel = add(new TControl(&form), "Panel", &form);
+    auto* const bar = static_cast<TToolBar*>(add(new TToolBar(&form), "Bar", panel));
+    add(new TToolButton(&form), "New", bar);
+    add(new TToolButton(&form), "Open", bar);
+    TControl foreign; // belongs to nobody's stream
+    foreign.SetParent(static_cast<TControl*>(panel));
+    form.SetMainMenu(static_cast<TMainMenu*>(menu));
+    form.SetActiveControl(bar);
+
+    EXPECT_EQ(stored(form), "object Main: TForm\n"
+                            "  Left = 1\n"
+                            "  Top = 2\n"
+                            "  Width = 300\n"
+                            "  Height = 200\n"
+                            "  ActiveControl = Bar\n"
+                            "  Menu = Menu\n"
+                            "  Visible = True\n"
+                            "  object Panel: TControl\n"
+                            "    object Bar: TToolBar\n"
+                            "      object New: TToolButton\n"
+                            "      end\n"
+                            "      object Open: TToolButton\n"
+                            "        Left = 23\n"
+                            "      end\n"
+                            "    end\n"
+                            "  end\n"
+                            "  object Actions: TActionList\n"
+                            "    object Go: TAction\n"
+                            "    end\n"
+                            "  end\n"
+                            "  object Menu: TMainMenu\n"
+                            "    object File: TMenuItem\n"
+                            "      object Quit: TMenuItem\n"
+                            "      end\n"
+                            "    end\n"
+                            "    object Edit: TMenuItem\n"
+                            "    end\n"
+                            "  end\n"
+                            "end\n");
+    TForm copy, heir;
+    read(Stored(form), copy);
+    EXPECT_EQ(Stored(copy), Stored(form));
+    EXPECT_TRUE(copy.Visible());
+
+    // A descendant that has other children between and another order.
+    read(Stored(form), heir);
+    const auto of = [&](std::string_view name) { return heir.FindComponent(name); };
+    static_cast<TControl*>(of("New"))->SetParent(nullptr); // goes behind Open
+    of("New")->SetParentComponent(of("Bar"));
+    of("File")->SetParentComponent(of("Menu"));
+    static_cast<TAction*>(of("Go"))->SetActionList(nullptr);
+    add(new TAction(&heir), "Stop", of("Actions"));
+    of("Go")->SetParentComponent(of("Actions"));
+    EXPECT_EQ(stored(heir, &form), "inherited Main: TForm\n"
+                                   "  inherited Panel: TControl\n"
+                                   "    inherited Bar: TToolBar\n"
+                                   "      inherited Open: TToolButton [0]\n"
+                                   "      end\n"
+                                   "      inherited New: TToolButton [1]\n"
+                                   "        Left = 23\n"
+                                   "      end\n"
+                                   "    end\n"
+                                   "  end\n"
+                                   "  inherited Actions: TActionList\n"
+                                   "    object Stop: TAction [0]\n"
+                                   "    end\n"
+                                   "    inherited Go: TAction\n"
+                                   "    end\n"
+                                   "  end\n"
+                                   "  inherited Menu: TMainMenu\n"
+                                   "    inherited Edit: TMenuItem [0]\n"
+                                   "    end\n"
+                                   "    inherited File: TMenuItem [1]\n"
+                                   "      inherited Quit: TMenuItem\n"
+                                   "      end\n"
+                                   "    end\n"
+                                   "  end\n"
+                                   "end\n");
+    read(Stored(heir, &form), copy);
+    EXPECT_EQ(Stored(copy), Stored(heir));
 }
 
 class TLoop : public TPersistent {

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <random>
+
 namespace tarn {
 namespace {
 
@@ -61,6 +64,36 @@ TEST(Component, NamesStandOncePerOwner) {
               "a component named Edit already exists");
     EXPECT_EQ(stranger.Owner(), nullptr);
     EXPECT_EQ(owner.ComponentCount(), 3);
+}
+
+TEST(Component, IsFoundAmongManyWhateverCameAndWent) {
+    std::mt19937 random(3);
+    TComponent owner;
+    std::map<std::string, TComponent*> named;
+    std::vector<TComponent*> parts;
+    // Names are few, so that they are given and taken again and again; most do not exist.
+    const auto anyName = [&] { return "Part" + std::to_string(random() % 200); };
+    for (int step = 0; step < 5000; ++step) {
+        const std::string name = anyName();
+        if (parts.size() < 90 && random() % 2 == 0) parts.push_back(new TComponent(&owner));
+        const std::size_t at = random() % std::max<std::size_t>(parts.size(), 1);
+        if (parts.empty()) continue;
+        TComponent* const part = parts[at];
+        if (random() % 3 == 0) {
+            named.erase(part->Name());
+            parts.erase(parts.begin() + static_cast<std::ptrdiff_t>(at));
+            delete part;
+        } else if (named.count(name) == 0) {
+            named.erase(part->Name());
+            part->SetName(name);
+            named[name] = part;
+        }
+        for (const std::string& asked : {name, anyName()}) {
+            const auto known = named.find(asked);
+            ASSERT_EQ(owner.FindComponent(UpperCase(asked)),
+                      known == named.end() ? nullptr : known->second);
+        }
+    }
 }
 
 TEST(Component, OwnerFreesNewestFirst) {

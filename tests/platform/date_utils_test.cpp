@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <limits>
 #include <utility>
 
@@ -86,6 +87,7 @@ TEST_F(DateTexts, AreReadAndWritten) {
     iso.ShortDateFormat = "'day 'yyyy-mm-dd";
     iso.LongTimeFormat = "h:n am/pm";
     iso.TimeSeparator = "h";
+    iso.TimeAMString = "vorm.";
     iso.TimePMString = "nachm.";
     iso.TwoDigitYearCenturyWindow = 0;
     const struct {
@@ -97,6 +99,8 @@ TEST_F(DateTexts, AreReadAndWritten) {
         {{}, "7/14/2026", {2026, 7, 14}, "7/14/2026"},
         {{}, " 07-14-2026  3:05:09 pm ", {2026, 7, 14, 15, 5, 9}, "7/14/2026 3:05:09 PM"},
         {{}, "7/14 12:00AM", {2026, 7, 14}, "7/14/2026"},
+        {{}, "7.14.2026 0:00:01", {2026, 7, 14, 0, 0, 1}, "7/14/2026 12:00:01 AM"},
+        {{}, "7/14 0:01", {2026, 7, 14, 0, 1}, "7/14/2026 12:01:00 AM"},
         {{}, "2/29/24 12 pm", {2024, 2, 29, 12}, "2/29/2024 12:00:00 PM"},
         {{}, "1/1/75", {2075, 1, 1}, "1/1/2075"},
         {{}, "1/1/76", {1976, 1, 1}, "1/1/1976"},
@@ -106,7 +110,8 @@ TEST_F(DateTexts, AreReadAndWritten) {
         {german, "14.7.2026 3:05", {2026, 7, 14, 3, 5}, "14.07.2026 03:05:00"},
         {german, "14/7", {2026, 7, 14}, "14.07.2026"},
         {iso, "2026-7-14 3h05 Nachm.", {2026, 7, 14, 15, 5}, "day 2026-07-14 3h5 nachm."},
-        {iso, "76/7/14 9:05 am", {2076, 7, 14, 9, 5}, "day 2076-07-14 9h5 AM"},
+        {iso, "7-14 3h05 pm", {2026, 7, 14, 15, 5}, "day 2026-07-14 3h5 nachm."},
+        {iso, "76/7/14 9:05 am", {2076, 7, 14, 9, 5}, "day 2076-07-14 9h5 vorm."},
     };
     for (const auto& c : cases) {
         FormatSettings() = c.Settings;
@@ -135,6 +140,47 @@ TEST_F(DateTexts, AreRefused) {
     EXPECT_EQ(ErrorOf([] { StrToDate("7"); }), "EConvertError: '7' is not a valid date");
     EXPECT_EQ(ErrorOf([] { StrToTime("7/14/2026"); }),
               "EConvertError: '7/14/2026' is not a valid time");
+}
+
+TEST_F(DateTexts, FollowALocale) {
+    const struct {
+        TLocaleTexts Locale;
+        std::string_view Settings; ///< the separators of numbers, and a moment
+    } cases[] = {
+        {{".", ",", "%m/%d/%Y", "%r", "AM", "PM"}, ".|,|07/04/2026 3:05:09 PM"},
+        {{",", ".", "%d.%m.%Y", "%T", "", ""}, ",|.|04.07.2026 15:05:09"},
+        {{",", "\xE2\x80\xAF", "%-d. %-m. %Y", "%H:%M:%S"}, ",|\xE2\x80\xAF|4.7.2026 15:05:09"},
+        {{".", ",", "%Y\xEB\x85\x84 %m\xEC\x9B\x94 %d", "%p %I:%M:%S", "am", "pm"},
+         ".|,|2026/07/04 3:05:09 pm"},
+        {{",", "", "%e.%B.%y", "%H.%M.%S", "ap.", "ip."}, ",||4.07.2026 15.05.09"},
+        {{".", "", "%D", "%r"}, ".||07/04/2026 15:05:09"}, // without names for the halves
+        {{".", "", "%F", "%I %p", "a", "p"}, ".||2026-07-04 3:05:09 p"},
+        {{".", ",", "%a. %d/%h/%Ey %d", "%T"}, ".|,|04/07/2026 15:05:09"},
+        {{".", "", "%d.%m-%Y", "%T"}, ".||04.07.2026 15:05:09"},
+        {{"", "", "%m-%d", "%"}, ".||7/4/2026 15:05:09"}, // no year
+        {{"", "", "", ""}, ".||7/4/2026 15:05:09"},
+    };
+    const TDateTime moment = EncodeDateTime({2026, 7, 4, 15, 5, 9});
+    for (const auto& c : cases) {
+        const TFormatSettings settings = FormatSettings() = FormatSettingsOf(c.Locale);
+        const std::string text = DateTimeToStr(moment);
+        EXPECT_EQ(settings.DecimalSeparator + "|" + settings.ThousandSeparator + "|" + text,
+                  c.Settings);
+        EXPECT_EQ(StrToDateTime(text), moment) << text;
+    }
+}
+
+TEST_F(DateTexts, FollowTheUser) {
+    const char* const present = std::getenv("LC_ALL");
+    const std::string saved = present ? present : "";
+    const auto written = [](const char* locale) {
+        ::setenv("LC_ALL", locale, 1);
+        FormatSettings() = UserFormatSettings();
+        return DateTimeToStr(1.5);
+    };
+    EXPECT_EQ(written("C"), "12/31/1899 12:00:00");
+    EXPECT_EQ(written("no_SUCH"), "12/31/1899 12:00:00 PM");
+    present ? ::setenv("LC_ALL", saved.c_str(), 1) : ::unsetenv("LC_ALL");
 }
 
 TEST_F(DateTexts, ClockOfTheSystem) {

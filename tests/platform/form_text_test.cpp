@@ -268,7 +268,7 @@ TEST(FormText, ReadsObjects) {
     };
     constexpr TRow rows[] = {
         {"object F: T\nend\n", "object F:T | end", "object F: T\nend\n"},
-        {"OBJECT\tF:T\n\n\nEND", "object F:T | end", "object F: T\nend\n"},
+        {"OBJECT\tF:T\n\n\nEND", "object F:T | end", "object F: T\nend"},
         {"object T\n  A = 1\nend\n", "object :T A= int8 1 | end", "object T\n  A = 1\nend\n"},
         {"inherited F: T [5]\nend\n", "inherited F:T@5 | end", "inherited F: T [5]\nend\n"},
         {"inline T [-1]\nend\n", "inline :T@-1 | end", "inline T [-1]\nend\n"},
@@ -280,11 +280,11 @@ TEST(FormText, ReadsObjects) {
          "object F:T End= int8 1 Object= int8 2 inline= int8 3 Inherited.X= int8 4 item= int8 5 | "
          "object :end | end end",
          "object F: T\n  End = 1\n  Object = 2\n  inline = 3\n  Inherited.X = 4\n  item = 5\n"
-         "  object end\n  end\nend\n"},
+         "  object end\n  end\nend"},
         {"object F: T A=b C=d object G: T E='f' end inline H: T end end\x1A",
          "object F:T A= ident:b C= ident:d | object G:T E= string:f | end inline H:T | end end",
          "object F: T\r\n  A = b\r\n  C = d\r\n  object G: T\r\n    E = 'f'\r\n  end\r\n"
-         "  inline H: T\r\n  end\r\nend\r\n"},
+         "  inline H: T\r\n  end\r\nend"},
     };
     for (const TRow& row : rows) {
         EXPECT_EQ(EventsOf(row.Text), row.Events) << row.Text;
@@ -416,8 +416,11 @@ TEST(FormText, RecognisesTheLayout) {
     const auto form = [](std::string_view value) { return FormOf(value); };
     const std::string marked = std::string(Mark);
     const TRow rows[] = {
-        {"object F: T end", "CRLF", false},
+        {"object F: T end", "CRLF open", false},
         {"object F: T\nend\n", "LF"},
+        {"object F: T\nend", "LF open"},
+        {"object F: T\nend \n\x1A", "LF", false},
+        {"object F: T\r\n  A = 1\r\nend\x1A", "CRLF open", false},
         {"object F: T\rend\r", "CR"},
         {"object F: T\nend\r\n", "LF", false},
         {marked + form("'a'"), "CRLF mark"},
@@ -451,6 +454,7 @@ TEST(FormText, RecognisesTheLayout) {
         if (layout.EscapeHighBytes) found += " escape";
         if (layout.DoubledQuotes) found += " doubled";
         if (layout.FixedFloats) found += " fixed";
+        if (!layout.FinalBreak) found += " open";
         EXPECT_EQ(found, row.Layout) << row.Text;
         const std::string printed = Reprinted(row.Text);
         EXPECT_EQ(printed == row.Text, row.IsKept) << row.Text << printed;

@@ -8,6 +8,7 @@
 
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace tarn {
@@ -167,9 +168,9 @@ TEST(FormConvert, KnowsItsKinds) {
 }
 
 TEST(FormConvert, TurnsAnyKindIntoAnyOther) {
-    const std::string texts[] = {std::string(MainForm),
-                                 std::string(MainForm) + std::string(SecondForm),
-                                 "object A: TA\n  X = 1.500000000000000000\nend\n"};
+    const std::string texts[] = {
+        std::string(MainForm), std::string(MainForm) + std::string(SecondForm),
+        "object A: TA\n  X = 1.500000000000000000\nend\n", "object A: TA\nend\nobject B: TB\nend"};
     for (const std::string& text : texts)
         for (const TFormFileKind from : {fkText, fkBinary, fkResource})
             for (const TFormFileKind to : {fkText, fkBinary, fkResource}) {
@@ -183,10 +184,34 @@ TEST(FormConvert, TurnsAnyKindIntoAnyOther) {
     const std::string data = std::string("TPF0\2TA\1B\1X\2\5\0\0", 15);
     const std::string resource = std::string("\xFF\x0A\0TA\0\x30\x10\x0F\0\0\0", 12) + data;
     EXPECT_EQ(Converted("object B: TA X = 5 end", fkResource), resource);
-    EXPECT_EQ(ErrorOf([&] { Converted(Replaced(resource, "\x0F", "\x10") + "?", fkText); }),
+    EXPECT_EQ(ErrorOf([&] { Converted(Replaced(resource, "\x0F", "\x10") + "\r", fkText); }),
               "EFormError: offset 27: the form in the resource ends before 28");
     EXPECT_NE(ErrorOf([&] { Converted(data + std::string(2, '\0'), fkText); }), "");
     EXPECT_NE(ErrorOf([&] { Converted(resource.substr(0, 20), fkText); }), "");
+}
+
+TEST(FormConvert, SaysWhatTheOtherKindCannotHold) {
+    const std::tuple<std::string, TFormFileKind, std::string_view> cases[] = {
+        {"object A: TA\n  B = <\n    item\n      X = (1\n        Null)\n    end>\nend", fkBinary,
+         "EFormError: line 5: A.B[0].X[1]: Null in a list, which it would end"},
+        {std::string("TPF0\2TA\1B\2a\t\2\5\0\0", 16), fkText,
+         "EFormError: offset 12: B.a#9: a text cannot hold the name \"a#9\""},
+        {std::string("TPF0\2TA\1B\1X\7\3a b\1\r\x63", 19), fkText,
+         "EFormError: offset 16: B.X: a text cannot hold the name \"a b\""},
+        {std::string("TPF0\2TA\1B\1X\xB\1a\2-b\0\0\0", 20), fkText,
+         "EFormError: offset 17: B.X: a text cannot hold the name \"-b\""},
+        {std::string("TPF0\2TA\1B\0\2T+\0\0\0\0", 17), fkText,
+         "EFormError: offset 14: B[0]: a text cannot hold the name \"T+\""},
+        {std::string("TPF0\2TA\1B\1\n\2\5\0\0", 15), fkText,
+         "EFormError: offset 11: B.#10: a text cannot hold the name \"#10\"; no carriage return in "
+         "the whole file: were its line ends converted as if it were text?"},
+        // CR LF within a string has become LF, and what follows has moved.
+        {std::string("TPF0\2TA\1B\1X\6\3a\n\0\0", 16), fkText,
+         "EFormError: offset 16: B: the stream ends: 0 of 1 bytes; no carriage return in the whole "
+         "file: were its line ends converted as if it were text?"},
+    };
+    for (const auto& [bytes, to, expected] : cases)
+        EXPECT_EQ(ErrorOf([&, &bytes = bytes, to = to] { Converted(bytes, to); }), expected);
 }
 
 TEST(FormConvert, TellsTheFirstDifference) {
@@ -196,12 +221,17 @@ TEST(FormConvert, TellsTheFirstDifference) {
         {"object A: TA \nend\n", "line 1: other blanks around object A: TA"},
         {"object A: TA\n  " + std::string(60, 'X') + "  = 1\nend\n",
          "line 2: " + std::string(29, 'X') + "  = 1 becomes " + std::string(29, 'X') + " = 1"},
-        {"object A: TA\nend\n\nobject B: TB\nend\n", "line 3:  becomes object B: TB"},
+        {"object A: TA\nend\n\nobject B: TB\nend\n", "line 3: a blank line becomes object B: TB"},
+        {"object A: TA\r  B = 1\rend\r\x1A", "line 4: is lost: a blank line"},
+        {"object A: TA\r  B =  1\rend\r", "line 2: B =  1 becomes B = 1"},
         {"object A: TA\r\n  X = 1\nend", ""}, // how lines end does not count
         {data, "offset 11: 03 becomes 02"},
         // A double and a UTF-8 string keep their types, but not beside their like of another type.
         {std::string("TPF0\1T\1B\1X\x15\0\0\0\0\0\0\xF8\x3F\0\0", 21), ""},
         {std::string("TPF0\1T\1B\1X\x14\3\0\0\0\xE2\x82\xAC\0\0", 20), ""},
+        {std::string("TPF0\1T\1B\1X\x14\2\0\0\0\xC3\xA9\1Y\6\1\xE9\0\0", 24), ""},
+        {std::string("TPF0\1T\1B\1X\x12\1\0\0\0\xE9\0\0\0", 19), ""},
+        {std::string("TPF0\1T\1B\1X\x12\1\0\0\0a\0\0\0", 19), "offset 10: 12 becomes 06"},
         {std::string("TPF0\1T\1B\1X\x12\1\0\0\0\xAC\x20\1Y\x14\3\0\0\0\xE2\x82\xAC\0\0", 29),
          "offset 19: 14 becomes 12"},
     };

@@ -250,6 +250,16 @@ TEST(TypInfo, ManyNamesOfOneClassAreToldApart) {
         for (std::size_t i = 0; i < names.size(); ++i)
             ASSERT_EQ(record.FindProp(pass ? UpperCase(names[i]) : names[i]), &props[i]);
     EXPECT_EQ(record.FindProp("Property17OfTheRecorD "), nullptr);
+    names[0] = "aaaaaaaa";
+    props[0].Name = names[0];
+    EXPECT_EQ(record.FindProp("aaaaaaaaa"), nullptr); // the same ends
+    // And as many classes that share a name.
+    static std::vector<TClassRecord> records(names.size());
+    static std::vector<TPropInfo> same(names.size(), TPropInfo{"Name", &TypeInfoOf<int>});
+    for (std::size_t i = 0; i < records.size(); ++i) records[i].Published = {&same[i], 1};
+    for (int pass = 0; pass < 2; ++pass)
+        for (std::size_t i = 0; i < records.size(); ++i)
+            ASSERT_EQ(records[i].FindProp("Name"), &same[i]);
     static const TClassRecord heir{"THeir", &record};
     EXPECT_EQ(heir.FindProp(names[7]), &props[7]);
 }

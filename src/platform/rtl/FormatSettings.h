@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace tarn {
 
@@ -25,8 +26,21 @@ struct TFormatSettings {
     int TwoDigitYearCenturyWindow = 50;
 };
 
-/// The settings of the process. They start as above whatever the user's environment says; who wants
-/// others assigns them.
+/// The settings of the process. They start as above whatever the user's environment says, so that
+/// files and scripts mean the same everywhere; who wants the user's assigns UserFormatSettings.
 TFormatSettings& FormatSettings();
+
+/// The settings of the user's environment (LC_ALL, LC_NUMERIC, LC_TIME, LANG); those above when the
+/// system does not know its locale. It is asked anew by each call.
+TFormatSettings UserFormatSettings();
+
+/// What a locale says about numbers, dates and times; its formats are those of strftime.
+struct TLocaleTexts {
+    std::string_view DecimalSeparator, ThousandSeparator, DateFormat, TimeFormat;
+    std::string_view TimeAMString = {}, TimePMString = {}; ///< empty where hours are counted to 24
+};
+/// The settings that write and read as the locale does, but for what those cannot say: months are
+/// numbers, years have four digits, and a separator that no one types is "/" or ":".
+TFormatSettings FormatSettingsOf(const TLocaleTexts& locale);
 
 } // namespace tarn

@@ -2,6 +2,8 @@
 
 #include "rtl/SafeFile.h"
 #include "rtl/SysUtils.h"
+#include "streaming/TReader.h"
+#include "streaming/TWriter.h"
 
 #include <algorithm>
 #include <utility>
@@ -210,6 +212,34 @@ void TStrings::Assign(const TPersistent* source) {
         Clear();
         AddStrings(*strings);
     });
+}
+
+void TStrings::DefineProperties(TFiler& filer) {
+    TPersistent::DefineProperties(filer);
+    const auto* const ancestor = ClassCast<TStrings>(filer.Ancestor());
+    // An empty list is stored where it takes the strings of an ancestor away.
+    const bool differs = ancestor ? !Equals(*ancestor) : !IsEmpty();
+    filer.DefineProperty(
+        "Strings", [this](TReader& reader) { ReadStrings(reader); },
+        [this](TWriter& writer) { WriteStrings(writer); }, differs);
+}
+
+void TStrings::ReadStrings(TReader& reader) {
+    reader.ReadListBegin();
+    Update([&] {
+        Clear();
+        for (int index = 0; !reader.EndOfList(); ++index) {
+            const TReader::TPlace place(reader, index);
+            Add(reader.ReadString());
+        }
+    });
+    reader.ReadListEnd();
+}
+
+void TStrings::WriteStrings(TWriter& writer) const {
+    writer.WriteListBegin();
+    for (int i = 0; i < Count(); ++i) writer.WriteString(Get(i));
+    writer.WriteListEnd();
 }
 
 // --- TStringList ------------------------------------------------------------------------------

@@ -77,6 +77,9 @@ protected:
     /// The order of two strings: below, at or above 0. AnsiCompareText unless a list has its own.
     virtual int CompareStrings(std::string_view a, std::string_view b) const;
     virtual void SetUpdateState(bool updating);
+    /// Stores the strings as "Strings", a list, unless it is empty or the same as the ancestor's.
+    /// What is read takes the place of the strings there are; companions are not stored.
+    void DefineProperties(TFiler& filer) override;
     bool Updating() const { return FUpdateCount > 0; }
 
     /// Runs `change` between BeginUpdate and EndUpdate, which is called even when it raises.
@@ -92,6 +95,9 @@ protected:
     }
 
 private:
+    void ReadStrings(TReader& reader);
+    void WriteStrings(TWriter& writer) const;
+
     int FUpdateCount = 0;
 };
 

@@ -23,30 +23,49 @@ bool TClassRecord::InheritsFrom(const TClassRecord& ancestor) const {
 
 namespace {
 
-bool SameName(std::string_view a, std::string_view b) {
-    // Names mostly come in the letters of their declaration.
-    return a.size() == b.size() &&
-           (std::memcmp(a.data(), b.data(), a.size()) == 0 || SameText(a, b));
-}
+/// The end pieces of a name, which overlap in a name of less than 16 bytes and are all of it then.
+struct TNameEnds {
+    explicit TNameEnds(std::string_view name) {
+        const std::size_t size = name.size();
+        if (size >= 8) {
+            Front = Load<std::uint64_t>(name, 0);
+            Back = Load<std::uint64_t>(name, size - 8);
+        } else if (size >= 4) {
+            Front = Load<std::uint32_t>(name, 0);
+            Back = Load<std::uint32_t>(name, size - 4);
+        } else if (size > 0) {
+            Front = Load<std::uint8_t>(name, 0);
+            Back = Load<std::uint8_t>(name, size / 2) << 8 | Load<std::uint8_t>(name, size - 1);
+        }
+    }
 
-/// The end pieces of a name as one number, the same for names that differ in case.
-std::uint64_t NameBits(std::string_view name) {
-    const auto load = [&]<class Bits>(Bits, std::size_t at) {
+    /// A number that is the same for names that differ in case.
+    std::uint64_t Bits() const {
+        constexpr std::uint64_t noCase = 0x2020202020202020; // the bit that tells small letters
+        return (Front | noCase) ^ std::rotl(Back | noCase, 29);
+    }
+
+    friend bool operator==(const TNameEnds&, const TNameEnds&) = default;
+
+    std::uint64_t Front = 0, Back = 0;
+
+private:
+    template <class Bits> static std::uint64_t Load(std::string_view name, std::size_t at) {
         Bits bits = 0;
         std::memcpy(&bits, name.data() + at, sizeof bits);
-        return static_cast<std::uint64_t>(bits);
-    };
-    constexpr std::uint64_t noCase = 0x2020202020202020; // the bit that tells small letters
-    const std::size_t size = name.size();
-    if (size >= 8)
-        return (load(std::uint64_t{}, 0) | noCase) ^
-               std::rotl(load(std::uint64_t{}, size - 8) | noCase, 29);
-    if (size >= 4)
-        return (load(std::uint32_t{}, 0) << 32 | load(std::uint32_t{}, size - 4)) | noCase;
-    if (size == 0) return 0;
-    return (load(std::uint8_t{}, 0) << 16 | load(std::uint8_t{}, size / 2) << 8 |
-            load(std::uint8_t{}, size - 1)) |
-           noCase;
+        return bits;
+    }
+};
+
+/// Whether the names are the same without case; `ends` are those of `name`.
+bool SameName(std::string_view declared, std::string_view name, const TNameEnds& ends) {
+    if (declared.size() != name.size()) return false;
+    // Names mostly come in the letters of their declaration, and most are no longer than their
+    // ends.
+    const bool same =
+        TNameEnds(declared) == ends &&
+        (name.size() <= 16 || std::memcmp(declared.data(), name.data(), name.size()) == 0);
+    return same || SameText(declared, name);
 }
 
 /// What a look-up found, kept where the record and the name lead. A class has some dozens of
@@ -58,24 +77,26 @@ struct TFoundProp {
 constexpr int FoundBits = 10;
 constinit thread_local std::array<TFoundProp, std::size_t{1} << FoundBits> FoundProps{};
 
-TFoundProp& FoundPlace(const TClassRecord* record, std::string_view name) {
-    const auto bits = (NameBits(name) + name.size()) ^ reinterpret_cast<std::uintptr_t>(record);
+TFoundProp& FoundPlace(const TClassRecord* record, std::size_t size, const TNameEnds& ends) {
+    const auto bits = (ends.Bits() + size) ^ reinterpret_cast<std::uintptr_t>(record);
     return FoundProps[(bits * 0x9E3779B97F4A7C15u) >> (64 - FoundBits)];
 }
 
-const TPropInfo* SearchProp(const TClassRecord* record, std::string_view name) {
+const TPropInfo* SearchProp(const TClassRecord* record, std::string_view name,
+                            const TNameEnds& ends) {
     for (; record; record = record->Parent)
         for (const TPropInfo& prop : record->Published)
-            if (SameName(prop.Name, name)) return &prop;
+            if (SameName(prop.Name, name, ends)) return &prop;
     return nullptr;
 }
 
 } // namespace
 
 const TPropInfo* TClassRecord::FindProp(std::string_view name) const {
-    TFoundProp& found = FoundPlace(this, name);
-    if (found.Record == this && SameName(found.Prop->Name, name)) return found.Prop;
-    const TPropInfo* const prop = SearchProp(this, name);
+    const TNameEnds ends(name);
+    TFoundProp& found = FoundPlace(this, name.size(), ends);
+    if (found.Record == this && SameName(found.Prop->Name, name, ends)) return found.Prop;
+    const TPropInfo* const prop = SearchProp(this, name, ends);
     if (prop) found = {this, prop};
     return prop;
 }

@@ -1,11 +1,16 @@
 #include "streaming/FormConvert.h"
 
+#include "rtl/SafeFile.h"
 #include "rtl/SameBytes.h"
+#include "rtl/TStrings.h"
+#include "rtl/Unicode.h"
 #include "streaming/FormBinary.h"
 #include "streaming/FormResource.h"
+#include "streaming/FormValues.h"
 #include "streaming/TFormPath.h"
 #include "streaming/TFormTextParser.h"
 #include "streaming/TFormTextPrinter.h"
+#include "streaming/TFormTextString.h"
 #include "streaming/TFormTree.h"
 
 #include <algorithm>
@@ -15,7 +20,6 @@
 namespace tarn {
 namespace {
 
-constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view FormKeywords[] = {"object", "inherited", "inline"};
 constexpr std::string_view Blanks = " \t\r\n";
 
@@ -41,6 +45,29 @@ std::string Beginning(std::string_view bytes) {
     return hex;
 }
 
+/// What may be wrong with a binary that makes no sense; nothing when there is no sign of it. A
+/// program that takes a binary for a text makes LF of its CR LF, which leaves no CR at all.
+std::string_view HintFor(std::string_view binary) {
+    constexpr auto none = std::string_view::npos;
+    if (binary.find('\r') != none || binary.find('\n') == none) return {};
+    return "; no carriage return in the whole file: were its line ends converted as if it were "
+           "text?";
+}
+
+/// To be called while an exception is handled, which is raised again where there is no hint.
+[[noreturn]] void RethrowWithHint(std::string_view message, std::string_view binary) {
+    const std::string_view hint = HintFor(binary);
+    if (hint.empty()) throw;
+    throw EFormError(std::string(message).append(hint));
+}
+
+/// Whether the characters go beyond ASCII, and none of them beyond 255.
+bool IsShortWide(TValueType type, std::string_view text) {
+    const std::u16string wide = type == vaWString ? Utf16OfBytes(text) : Utf8ToUtf16(text);
+    const auto most = std::max_element(wide.begin(), wide.end());
+    return most != wide.end() && *most > 127 && *most <= 255;
+}
+
 /// Notices which types the plain floats and the wide texts of a binary have. The first of each
 /// counts: a text cannot keep more than one.
 class TLayoutWatcher : public TFormFilter {
@@ -59,6 +86,8 @@ public:
             FWideSeen = true;
             FLayout.WideText = type;
         }
+        if (!FLayout.WideCodes && (type == vaWString || type == vaUTF8String))
+            FLayout.WideCodes = IsShortWide(type, text);
         TFormFilter::String(type, text);
     }
 
@@ -111,8 +140,14 @@ TFormLayout TFormFileReader::Layout() const {
 void TFormFileReader::Read(IFormSink& sink) {
     if (FKind == fkText) return FParsers->Text->Parse(sink);
     TLayoutWatcher watcher(sink, FLayout);
-    if (FKind == fkBinary) return ReadFormBinary(*FParsers->Binary, watcher);
-    ReadResource(watcher);
+    try {
+        if (FKind == fkBinary) return ReadFormBinary(*FParsers->Binary, watcher);
+        ReadResource(watcher);
+    } catch (const EReadError& error) {
+        RethrowWithHint(error.Message(), FBytes);
+    } catch (const EFormError& error) {
+        RethrowWithHint(error.Message(), FBytes);
+    }
 }
 
 void TFormFileReader::ReadResource(IFormSink& sink) {
@@ -184,11 +219,34 @@ private:
     unsigned FCount = 0;
 };
 
+/// "PATH: " for the last thing that begins in front of the offset. The tree is built for this
+/// alone: paths are not worth their time while all goes well.
+std::string PathAt(std::string_view bytes, std::int64_t offset) {
+    TFormTree tree(bytes);
+    try {
+        TFormFileReader reader(bytes);
+        tree.SetSource(reader);
+        reader.ReadAll(tree);
+    } catch (const Exception&) {
+        tree.CloseAll(); // behind the offset, anything may be wrong
+    }
+    if (tree.Count() == 0) return {};
+    TFormNodeIndex node = 0;
+    for (TFormNodeIndex at = 0; at < tree.Count() && tree[at].Begin < offset; ++at)
+        if (tree[at].Kind != fnElement) node = at;
+    // A property's only value goes by its name.
+    if (node > 0 && tree[node - 1].Kind == fnProperty) --node;
+    return ShownFormPath(FormPathOf(tree, node)) + ": ";
+}
+
 /// How far the reader is, for a message.
 std::string PlaceOf(const TFormFileReader& reader, std::string_view bytes) {
     const std::int64_t offset = reader.Offset();
-    if (reader.Kind() != fkText) return Format("offset %d", {offset});
-    return Format("line %d", {1 + std::count(bytes.begin(), bytes.begin() + offset, '\n')});
+    const std::string path = PathAt(bytes, offset);
+    if (reader.Kind() != fkText) return Format("offset %d: %s", {offset, path});
+    int line = 0;
+    ForEachLine(bytes.substr(0, static_cast<std::size_t>(offset)), [&](auto) { ++line; });
+    return Format("line %d: %s", {line, path});
 }
 
 void ReadAllTelling(TFormFileReader& reader, IFormSink& sink, const TFormProgress& progress) {
@@ -222,7 +280,10 @@ std::string ConvertForm(std::string_view bytes, TFormFileKind to, TFormLayout& l
             ReadAllTelling(reader, writer, progress);
             layout = reader.Layout();
         } catch (const EWriteError& error) { // what the other kind cannot hold
-            throw EFormError(PlaceOf(reader, bytes) + ": " + error.what());
+            const bool binary = reader.Kind() != fkText;
+            throw EFormError(PlaceOf(reader, bytes)
+                                 .append(error.Message())
+                                 .append(binary ? HintFor(bytes) : std::string_view()));
         }
     return result;
 }
@@ -242,12 +303,12 @@ std::string BinaryDifference(std::string_view former, std::string_view now) {
                                                    static_cast<unsigned char>(now[at])});
 }
 
-/// Takes a line off a text, without its end.
+/// Takes a line off a text, without its end, which is CR LF, LF or CR.
 std::string_view TakeLine(std::string_view& text) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    std::string_view line = text.substr(0, end);
-    text.remove_prefix(std::min(end + 1, text.size()));
-    if (line.ends_with('\r')) line.remove_suffix(1);
+    const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end);
+    text.remove_prefix(text.starts_with("\r\n") ? 2 : std::min<std::size_t>(text.size(), 1));
     return line;
 }
 
@@ -255,6 +316,7 @@ std::string_view TakeLine(std::string_view& text) {
 std::string_view ShownFrom(std::string_view line, std::size_t difference) {
     constexpr std::size_t before = 30;
     constexpr std::size_t most = 70;
+    if (Trim(line).empty()) return "a blank line";
     return Trim(line.substr(difference > before ? difference - before : 0).substr(0, most));
 }
 
@@ -265,6 +327,7 @@ std::string LineDifference(std::string_view was, std::string_view is) {
 }
 
 std::string TextDifference(std::string_view former, std::string_view now) {
+    if (former == now) return {}; // as most are
     for (int number = 1; !former.empty() || !now.empty(); ++number) {
         const bool ended = now.empty();
         const bool added = former.empty();

@@ -42,7 +42,6 @@ public:
 
 private:
     struct TParsers;
-    void ReadBinary(IFormSink& sink);
     void ReadResource(IFormSink& sink);
 
     std::string_view FBytes;

@@ -94,8 +94,10 @@ struct TFormLayout {
     bool EscapeHighBytes = false; ///< characters from 128 on stand as "#233", not as themselves
     bool DoubledQuotes = false;   ///< a quote in a string stands as two, not as "#39"
     bool FixedFloats = false;     ///< "1.500000000000000000" instead of "1.5"
+    bool FinalBreak = true;       ///< the last line has a line break, too
     TValueType PlainFloat = vaExtended; ///< the binary type of a number without suffix
     TValueType WideText = vaWString;    ///< the binary type of a text with characters above 255
+    bool WideCodes = false; ///< and of one with characters from 128 on by number, else bytes
 };
 
 /// A parser at work, for sinks that want to know places.

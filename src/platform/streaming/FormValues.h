@@ -34,9 +34,6 @@ std::string_view NameOfValue(TValueType type);
 
 /// Whether the bytes are UTF-8, surrogates left out.
 bool IsUtf8Text(std::string_view text);
-inline bool IsUtf8(std::string_view text) {
-    return IsUtf8Text(text);
-}
 bool IsAscii(std::string_view text);
 /// UTF-16 from its bytes and as bytes, little end first.
 std::u16string Utf16OfBytes(std::string_view bytes);

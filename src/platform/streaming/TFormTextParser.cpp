@@ -1,5 +1,6 @@
 #include "streaming/TFormTextParser.h"
 
+#include "rtl/SafeFile.h"
 #include "streaming/FormFloat.h"
 #include "streaming/FormHex.h"
 #include "streaming/FormValues.h"
@@ -14,7 +15,6 @@ namespace tarn {
 
 namespace {
 
-constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 constexpr std::size_t MaxNameLength = 255; ///< what the length byte of the binary form holds
 constexpr std::uint32_t MaxCode = 0x10FFFF;
 constexpr std::size_t FirstBytes = 4096; ///< room for a binary block to begin with
@@ -76,7 +76,6 @@ const char* NameEnd(const char* at, const char* end) {
 // --- Messages ---------------------------------------------------------------------------------
 
 constexpr std::ptrdiff_t MaxShownLine = 80;
-constexpr std::size_t MaxShownPath = 160; ///< bytes at the end of a path
 
 /// The rest of the line.
 std::string Offending(const char* at, const char* end) {
@@ -114,6 +113,13 @@ std::string_view LineBreakOf(std::string_view text, std::string_view otherwise) 
     return cr + 1 == lf ? "\r\n" : "\r";
 }
 
+/// Whether the last line that is not blank ends with a line break.
+bool HasFinalBreak(std::string_view text) {
+    const auto end =
+        std::find_if(text.rbegin(), text.rend(), [](char c) { return !Is(c, cfBlank); });
+    return std::any_of(text.rbegin(), end, [](char c) { return c == '\r' || c == '\n'; });
+}
+
 } // namespace
 
 bool IsFormName(std::string_view text) {
@@ -144,6 +150,7 @@ TFormTextParser::TFormTextParser(std::string_view text, const TFormLayout& layou
     FLayout.EscapeHighBytes = false;
     FLayout.DoubledQuotes = false;
     FLayout.FixedFloats = false;
+    FLayout.FinalBreak = HasFinalBreak(text);
     if (FLayout.Utf8Mark) FPos += Utf8Mark.size();
 }
 
@@ -488,7 +495,7 @@ void TFormTextParser::RecogniseFloat(std::string_view written, TAppend&& append)
 
 void TFormTextParser::ParseString() {
     if (ParseSimpleString()) return;
-    FString.Start(FLayout.Utf8Mark);
+    FString.Start(FLayout.Utf8Mark, FLayout.WideCodes);
     do ReadPieces();
     while (AcceptPlus());
     RecogniseBytes(FString.HasRaw(), FString.HasEscaped());
@@ -600,8 +607,7 @@ std::string TFormTextParser::PathText() const {
         else
             ((path += path.empty() ? "" : ".") += step.Name);
     }
-    if (path.size() > MaxShownPath) path.replace(0, path.size() - MaxShownPath, "...");
-    return path;
+    return ShownFormPath(path);
 }
 
 void TFormTextParser::FailAt(const char* at, std::string_view what) const {

@@ -49,7 +49,7 @@ bool IsFormName(std::string_view text);
 class TFormTextParser : public IFormSource {
 public:
     /// The text stays the caller's and has to outlive the parser. `layout` tells what no text
-    /// tells: PlainFloat and WideText.
+    /// tells: PlainFloat, WideText and WideCodes.
     explicit TFormTextParser(std::string_view text, const TFormLayout& layout = {});
 
     /// Whether nothing but blanks follows; they are skipped.
@@ -135,8 +135,8 @@ private:
 };
 
 /// Reads a text with one object, and blanks around it. `layout` on entry tells what no text tells
-/// (PlainFloat and WideText), on return the layout of the text. Raises EParserError, also for what
-/// stands behind the object.
+/// (PlainFloat, WideText, WideCodes), on return the layout of the text. Raises EParserError, also
+/// for what stands behind the object.
 void ParseFormText(std::string_view text, IFormSink& sink, TFormLayout* layout = nullptr);
 
 } // namespace tarn

@@ -1,5 +1,6 @@
 #include "streaming/TFormTextPrinter.h"
 
+#include "rtl/SafeFile.h"
 #include "rtl/Unicode.h"
 #include "streaming/FormFloat.h"
 #include "streaming/FormHex.h"
@@ -14,7 +15,6 @@ namespace tarn {
 
 namespace {
 
-constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
 constexpr std::size_t RowLength = 64; ///< characters of a long string in a row
 constexpr std::size_t RowBytes = 32;  ///< bytes of a binary block in a row
 constexpr std::size_t FlushSize = 65536;
@@ -87,6 +87,7 @@ void TFormTextPrinter::BeginValue() {
 void TFormTextPrinter::BeginObject(const TFormHeader& header) {
     if (FObjects++ == 0) {
         if (FLayout.Utf8Mark && FAtStart) Put(Utf8Mark);
+        if (!FLayout.FinalBreak && !FAtStart) Put(FLayout.LineBreak);
         FAtStart = false;
         FOut->append(static_cast<std::size_t>(FLevel) * BlanksPerLevel, ' ');
     } else {
@@ -116,7 +117,7 @@ void TFormTextPrinter::EndObject() {
     NewLine();
     Put("end");
     if (--FObjects > 0) return;
-    Put(FLayout.LineBreak);
+    if (FLayout.FinalBreak) Put(FLayout.LineBreak);
     Flush();
 }
 

@@ -77,7 +77,7 @@ private:
     TFormLayout FLayout;
     int FLevel;
     int FObjects = 0;     ///< open ones
-    bool FAtStart = true; ///< nothing of the current object is written
+    bool FAtStart = true; ///< no object has been written
     bool FInEmptySet = false;
     std::vector<TContainer> FInside; ///< open lists and collections
 };

@@ -5,14 +5,16 @@
 
 namespace tarn {
 
-std::string ShownFormText(std::string_view text) {
-    constexpr std::size_t maxSize = 40;
-    const bool isCut = text.size() > maxSize;
-    std::size_t size = isCut ? maxSize : text.size();
-    const auto isInside = [&](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
-    if (isCut)
-        while (size > 0 && isInside(text[size])) --size;
-    text = text.substr(0, size);
+namespace {
+
+/// Whether a character of UTF-8 goes on with this byte.
+bool IsInside(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
+} // namespace
+
+std::string MaskedFormText(std::string_view text) {
     const bool showHigh = IsUtf8Text(text);
     std::string result;
     for (const char c : text) {
@@ -22,11 +24,28 @@ std::string ShownFormText(std::string_view text) {
         else
             result += c;
     }
-    return isCut ? result + "..." : result;
+    return result;
 }
 
-void TFormTextString::Start(bool isUtf8) {
+std::string ShownFormText(std::string_view text) {
+    constexpr std::size_t most = 40;
+    if (text.size() <= most) return MaskedFormText(text);
+    std::size_t size = most;
+    while (size > 0 && IsInside(text[size])) --size;
+    return MaskedFormText(text.substr(0, size)) + "...";
+}
+
+std::string ShownFormPath(std::string_view path) {
+    constexpr std::size_t most = 160;
+    if (path.size() <= most) return MaskedFormText(path);
+    path.remove_prefix(path.size() - most);
+    while (!path.empty() && IsInside(path.front())) path.remove_prefix(1);
+    return "..." + MaskedFormText(path);
+}
+
+void TFormTextString::Start(bool isUtf8, bool wideCodes) {
     FIsUtf8 = isUtf8;
+    FMostNarrow = isUtf8 || wideCodes ? 127 : 255;
     FIsWide = FHasRaw = FHasEscaped = false;
     FBytes.clear();
     FUnits.clear();
@@ -54,7 +73,7 @@ bool TFormTextString::Append(std::string_view text, bool hasHigh) {
 
 void TFormTextString::AppendCode(std::uint32_t code) {
     FHasEscaped = FHasEscaped || code > 127;
-    if (code > (FIsUtf8 ? 127 : 255)) Widen();
+    if (code > FMostNarrow) Widen();
     if (!FIsWide) {
         FBytes += static_cast<char>(code);
     } else if (code < 0x10000) {

@@ -9,16 +9,21 @@
 namespace tarn {
 
 /// A text for messages: control characters as their codes ("#9"), and so all bytes from 128 on when
-/// it is not UTF-8; cut at 40 bytes.
+/// it is not UTF-8.
+std::string MaskedFormText(std::string_view text);
+/// The same, cut at 40 bytes.
 std::string ShownFormText(std::string_view text);
+/// The end of a path for messages, which nested names may make very long.
+std::string ShownFormPath(std::string_view path);
 
 /// A string of a text form while its pieces, quoted ones and codes, are put together. It is bytes
 /// until a character comes that takes UTF-16.
 class TFormTextString {
 public:
     /// Begins an empty string. `isUtf8`: quotes hold characters, and those above 127 take UTF-16;
-    /// otherwise they hold bytes, and characters above 255 take UTF-16.
-    void Start(bool isUtf8);
+    /// otherwise they hold bytes, and characters above 255 take UTF-16. `wideCodes`: by their codes
+    /// those from 128 on take it, too.
+    void Start(bool isUtf8, bool wideCodes);
     /// Appends what stands in quotes; `hasHigh`: some of it is from 128 on. False when it is not
     /// the UTF-8 that it should be.
     bool Append(std::string_view text, bool hasHigh);
@@ -39,6 +44,7 @@ private:
     void Widen();
 
     bool FIsUtf8 = false;
+    std::uint32_t FMostNarrow = 255; ///< the last code that takes no UTF-16
     bool FIsWide = false;
     bool FHasRaw = false;
     bool FHasEscaped = false;

@@ -58,6 +58,11 @@ public:
     /// places are 0 without one.
     void SetSource(const IFormSource& source);
 
+    /// Ends what a parser that failed has left open: the tree is whole up to there.
+    void CloseAll() {
+        while (!FOpen.empty()) Close();
+    }
+
     TFormNodeIndex Count() const { return static_cast<TFormNodeIndex>(FNodes.size()); }
     const TFormNode& operator[](TFormNodeIndex index) const { return FNodes[index]; }
     /// The head of the object with that index.

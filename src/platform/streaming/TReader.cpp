@@ -3,6 +3,7 @@
 #include "rtl/TMemoryStream.h"
 #include "rtl/Unicode.h"
 #include "streaming/FormValues.h"
+#include "streaming/TFormTextString.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,17 +14,12 @@ namespace {
 
 std::string Located(std::int64_t offset, std::string_view path, std::string_view what) {
     std::string message = Format("offset %d: ", {offset});
-    if (!path.empty()) message.append(path).append(": ");
-    return message.append(what);
+    if (!path.empty()) message.append(ShownFormPath(path)).append(": ");
+    return message.append(MaskedFormText(what));
 }
 
-/// A text as an error shows it: quoted, without control characters, cut off.
 std::string Shown(std::string_view text) {
-    constexpr std::size_t most = 40;
-    std::string shown = "'";
-    for (const char c : text.substr(0, most))
-        shown += static_cast<unsigned char>(c) < ' ' ? '?' : c;
-    return shown + (text.size() > most ? "...'" : "'");
+    return "'" + ShownFormText(text) + "'";
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "streaming/FormSink.h"
 #include "streaming/TFiler.h"
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,8 +16,8 @@ namespace tarn {
 class TCollection;
 class TCustomMemoryStream;
 
-/// What is wrong in a component stream, and where. The message is "offset O: PATH: what"; the path
-/// is left out where there is none.
+/// What is wrong in a component stream, and where. The message is "offset O: PATH: what", names
+/// without control characters; the path is left out where there is none.
 class EReaderError : public EReadError {
 public:
     EReaderError(std::int64_t offset, std::string path, std::string_view what, bool canContinue);
@@ -293,8 +294,9 @@ private:
     int FDepth = 0;
     std::string_view FPropName; ///< the property that DefineProperties is asked for
     int FReferenceBrackets = 0;
-    std::vector<TFixup> FFixups;
-    std::vector<TWeak<TComponent>> FLoaded;
+    // Lists that do not move what they hold: weak references are costly to move.
+    std::deque<TFixup> FFixups;
+    std::deque<TWeak<TComponent>> FLoaded;
 };
 
 } // namespace tarn

@@ -89,6 +89,10 @@ public:
     std::function<std::string(TWriter&, const TPersistent& instance, const TPropInfo& prop)>
         OnGetMethodName;
 
+    /// The component that a frame is a change of, which stays the slot's; null, or no slot, when
+    /// the frame is to be written with all that is in it.
+    std::function<TComponent*(TWriter&, const TComponent& frame)> OnFindAncestor;
+
     void DefineProperty(std::string_view name, const TReaderProc& readData,
                         const TWriterProc& writeData, bool hasData) override;
     void DefineBinaryProperty(std::string_view name, const TStreamProc& readData,

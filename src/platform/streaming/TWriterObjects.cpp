@@ -339,16 +339,19 @@ void TWriter::WriteChildren(TComponent& instance) {
         TComponent* const old =
             known.empty() ? nullptr : FLookupAncestor->FindComponent(child.Name());
         const bool changes = old && known.count(old) != 0;
+        TComponent* model = changes ? old : nullptr;
         FFlags = {};
         if (changes || (frame && !ancestor))
             FFlags.Include(ffInherited);
-        else if (child.ComponentState().Contains(csInline))
+        else if (child.ComponentState().Contains(csInline)) {
             FFlags.Include(ffInline);
+            if (OnFindAncestor) model = OnFindAncestor(*this, child);
+        }
         // Reading appends what is new and leaves what it inherits at its place.
         if (next < inherited.size() && inherited[next] != old) FFlags.Include(ffChildPos);
         if (changes) ++next;
         FChildPos = position++;
-        SetAncestor(changes ? old : nullptr);
+        SetAncestor(model);
         WriteComponent(child);
     };
     instance.GetChildren(write, LookupRoot());

@@ -16,7 +16,11 @@ template <class T> void Install(T*& place, T* object) {
 }
 
 constexpr TPropInfo FormProps[] = {
+    Published<&TForm::ActiveControl, &TForm::SetActiveControl>("ActiveControl"),
     Published<&TForm::Caption, &TForm::SetCaption>("Caption"),
+    Published<&TForm::MainMenu, &TForm::SetMainMenu>("Menu"),
+    // Unlike other controls, a form begins hidden.
+    Published<&TControl::Visible, &TControl::SetVisible>("Visible", {.Default = false}),
     Published<&TForm::WindowState, &TForm::SetWindowState>("WindowState", {.Default = wsNormal}),
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vcl/StandardIdents.h"
 #include "vcl/TControl.h"
 #include "vcl/TMenuItem.h"
 
@@ -43,6 +44,8 @@ public:
     void SetActiveControl(TControl* control) { FActiveControl = control; }
 
     TWeak<TMainMenu> Menu;
+    TMainMenu* MainMenu() const { return Menu.Get(); } ///< published as "Menu"
+    void SetMainMenu(TMainMenu* value) { Menu = value; }
 
     /// Runs the item of the form's menu, or the action of one of its action lists, that has the
     /// shortcut; true when there is one.
@@ -55,8 +58,6 @@ private:
     TWindowState FWindowState = wsNormal;
     TWeak<TControl> FActiveControl;
 };
-
-inline constexpr int crDefault = 0, crHourGlass = -11;
 
 /// The forms of the process and which of them is active. There is one at a time, see Screen().
 class TScreen : public TComponent {

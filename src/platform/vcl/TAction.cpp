@@ -67,6 +67,14 @@ void TAction::SetActionList(TActionList* list) {
     if (list) list->AddAction(this);
 }
 
+TComponent* TAction::GetParentComponent() const {
+    return FActionList;
+}
+
+void TAction::SetParentComponent(TComponent* parent) {
+    SetActionList(ClassCast<TActionList>(parent));
+}
+
 void TAction::Update() {
     if (OnUpdate)
         OnUpdate(this);
@@ -114,6 +122,19 @@ void TActionList::AddAction(TAction* action) {
 
 void TActionList::RemoveAction(TAction* action) {
     if (std::erase(FActions, action) > 0) action->SetActionList(nullptr);
+}
+
+void TActionList::GetChildren(const TGetChildProc& proc, const TComponent* root) const {
+    for (TAction* action : FActions)
+        if (action->Owner() == root) proc(*action);
+}
+
+void TActionList::SetChildOrder(TComponent& child, int order) {
+    const auto from = std::find(FActions.begin(), FActions.end(), &child);
+    if (from == FActions.end()) return;
+    TAction* const action = *from;
+    FActions.erase(from);
+    FActions.insert(FActions.begin() + std::clamp(order, 0, ActionCount()), action);
 }
 
 bool TActionList::IsShortCut(TShortCut shortCut) {

@@ -62,6 +62,8 @@ public:
 
     TActionList* ActionList() const { return FActionList; }
     void SetActionList(TActionList* list);
+    TComponent* GetParentComponent() const override;
+    void SetParentComponent(TComponent* parent) override;
 
     /// Brings the action up to date: OnUpdate, or, without one, disabled while nothing would run.
     void Update();
@@ -112,6 +114,10 @@ public:
     /// Runs the first action of that shortcut; true when there is one, whether it ran or is
     /// disabled.
     bool IsShortCut(TShortCut shortCut);
+
+protected:
+    void GetChildren(const TGetChildProc& proc, const TComponent* root) const override;
+    void SetChildOrder(TComponent& child, int order) override;
 
 private:
     std::vector<TAction*> FActions;

@@ -5,7 +5,7 @@
 #include "streaming/TWriter.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <utility>
 
 namespace tarn {
 namespace {
@@ -27,42 +27,76 @@ constexpr std::size_t FewComponents = 16;
 constinit const TClassRecord TComponent::ClassRecord{"TComponent", &TPersistent::ClassRecord,
                                                      CreateObject<TComponent>, ComponentProps};
 
-/// The named components of an owner by their names, without case.
+/// The named components of an owner by their names, without case: an open table, at most half full,
+/// where a component stands at the first free place from that of its hash on. It is one flat block
+/// because with very many components each step to another one costs more than all comparing.
 class TComponent::TNameIndex {
 public:
     explicit TNameIndex(const std::vector<TComponent*>& components) {
         for (TComponent* component : components) Add(component);
     }
+
     void Add(TComponent* component) {
-        if (!component->FName.empty()) FNames.insert(component);
+        if (component->FName.empty()) return;
+        if (2 * ++FCount > FPlaces.size()) Grow();
+        Put({HashOf(component->FName), component});
     }
-    void Remove(TComponent* component) { FNames.erase(component); }
+
+    void Remove(TComponent* component) {
+        std::size_t at = Home(HashOf(component->FName));
+        while (FPlaces[at].Component && FPlaces[at].Component != component) at = Next(at);
+        if (!FPlaces[at].Component) return;
+        --FCount;
+        // What stands behind moves up where it would not be found any more.
+        for (std::size_t from = Next(at); FPlaces[from].Component; from = Next(from)) {
+            if (Distance(Home(FPlaces[from].Hash), from) < Distance(at, from)) continue;
+            FPlaces[at] = FPlaces[from];
+            at = from;
+        }
+        FPlaces[at] = {};
+    }
+
     TComponent* Find(std::string_view name) const {
-        const auto found = FNames.find(name);
-        return found == FNames.end() ? nullptr : *found;
+        const std::size_t hash = HashOf(name);
+        for (std::size_t at = Home(hash); FPlaces[at].Component; at = Next(at))
+            if (FPlaces[at].Hash == hash && SameText(FPlaces[at].Component->FName, name))
+                return FPlaces[at].Component;
+        return nullptr;
     }
 
 private:
-    static std::string_view NameOf(std::string_view name) { return name; }
-    static std::string_view NameOf(const TComponent* component) { return component->FName; }
-    struct THash {
-        using is_transparent = void;
-        template <class T> std::size_t operator()(const T& key) const {
-            std::size_t hash = 14695981039346656037u; // FNV-1a
-            for (const char c : NameOf(key)) {
-                const bool upper = c >= 'A' && c <= 'Z';
-                hash = (hash ^ static_cast<unsigned char>(upper ? c | 0x20 : c)) * 1099511628211u;
-            }
-            return hash;
-        }
+    struct TPlace {
+        std::size_t Hash = 0;
+        TComponent* Component = nullptr; ///< null: free
     };
-    struct TEqual {
-        using is_transparent = void;
-        template <class A, class B> bool operator()(const A& a, const B& b) const {
-            return SameText(NameOf(a), NameOf(b));
+
+    static std::size_t HashOf(std::string_view name) {
+        std::size_t hash = 14695981039346656037u; // FNV-1a
+        for (const char c : name) {
+            const bool upper = c >= 'A' && c <= 'Z';
+            hash = (hash ^ static_cast<unsigned char>(upper ? c | 0x20 : c)) * 1099511628211u;
         }
-    };
-    std::unordered_set<TComponent*, THash, TEqual> FNames;
+        return hash;
+    }
+    std::size_t Mask() const { return FPlaces.size() - 1; }
+    std::size_t Home(std::size_t hash) const { return hash & Mask(); }
+    std::size_t Next(std::size_t at) const { return (at + 1) & Mask(); }
+    std::size_t Distance(std::size_t from, std::size_t to) const { return (to - from) & Mask(); }
+
+    void Put(const TPlace& place) {
+        std::size_t at = Home(place.Hash);
+        while (FPlaces[at].Component) at = Next(at);
+        FPlaces[at] = place;
+    }
+    void Grow() {
+        const std::vector<TPlace> former =
+            std::exchange(FPlaces, std::vector<TPlace>(FPlaces.size() * 2));
+        for (const TPlace& place : former)
+            if (place.Component) Put(place);
+    }
+
+    std::vector<TPlace> FPlaces = std::vector<TPlace>(4 * FewComponents); ///< a power of two
+    std::size_t FCount = 0;
 };
 
 TComponent::TComponent(TComponent* owner) {

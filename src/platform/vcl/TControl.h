@@ -50,6 +50,10 @@ public:
     int ControlCount() const { return static_cast<int>(FControls.size()); }
     TControl* Controls(int index) const; ///< raises EListError outside the list
 
+    TComponent* GetParentComponent() const override { return FParent; }
+    /// Nothing for a component that is no control.
+    void SetParentComponent(TComponent* parent) override;
+
     const std::string& Text() const { return FText; }
     void SetText(std::string_view value);
     bool Visible() const { return FVisible; }
@@ -58,6 +62,14 @@ public:
     void SetEnabled(bool value);
     const TRect& BoundsRect() const { return FBounds; }
     void SetBoundsRect(const TRect& value);
+    int Left() const { return FBounds.Left; }
+    void SetLeft(int value) { SetBound(&TRect::Left, value); }
+    int Top() const { return FBounds.Top; }
+    void SetTop(int value) { SetBound(&TRect::Top, value); }
+    int Width() const { return FBounds.Width; }
+    void SetWidth(int value) { SetBound(&TRect::Width, value); }
+    int Height() const { return FBounds.Height; }
+    void SetHeight(int value) { SetBound(&TRect::Height, value); }
 
     /// Brings the control's action up to date, when it has one.
     virtual void InitiateAction() {}
@@ -78,8 +90,14 @@ protected:
     virtual void AlignControls() {}
     /// Has the parent place its controls anew.
     void RequestAlign();
+    /// The controls first, in their order, then what TComponent knows.
+    void GetChildren(const TGetChildProc& proc, const TComponent* root) const override;
+    void SetChildOrder(TComponent& child, int order) override;
 
 private:
+    void SetBound(int TRect::*bound, int value);
+    void LeaveParent();
+
     TControl* FParent = nullptr;
     std::vector<TControl*> FControls;
     std::string FText;

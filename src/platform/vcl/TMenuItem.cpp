@@ -147,6 +147,28 @@ void TMenuItem::Remove(TMenuItem* item) {
     MenuChanged();
 }
 
+TComponent* TMenuItem::GetParentComponent() const {
+    if (FParent && FParent->FMenu) return FParent->FMenu;
+    return FParent;
+}
+
+void TMenuItem::SetParentComponent(TComponent* parent) {
+    if (FParent) FParent->Remove(this);
+    if (auto* const item = ClassCast<TMenuItem>(parent)) item->Add(this);
+    if (auto* const menu = ClassCast<TMenu>(parent)) menu->Items()->Add(this);
+}
+
+void TMenuItem::GetChildren(const TGetChildProc& proc, const TComponent*) const {
+    for (TMenuItem* item : FItems) proc(*item);
+}
+
+void TMenuItem::SetChildOrder(TComponent& child, int order) {
+    auto* const item = ClassCast<TMenuItem>(&child);
+    if (!item || IndexOf(item) < 0) return;
+    Remove(item);
+    Insert(std::clamp(order, 0, Count()), item);
+}
+
 void TMenuItem::Click() {
     if (Enabled()) RunClick(*this, OnClick, FAction);
 }
@@ -190,6 +212,14 @@ TMenuItem* FindBelow(TMenuItem& parent, TShortCut shortCut) {
 }
 
 } // namespace
+
+void TMenu::GetChildren(const TGetChildProc& proc, const TComponent* root) const {
+    FRoot.GetChildren(proc, root);
+}
+
+void TMenu::SetChildOrder(TComponent& child, int order) {
+    FRoot.SetChildOrder(child, order);
+}
 
 TMenuItem* TMenu::FindItem(TShortCut shortCut) {
     return shortCut == 0 ? nullptr : FindBelow(FRoot, shortCut);

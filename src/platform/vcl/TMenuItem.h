@@ -56,6 +56,9 @@ public:
     TNotifyEvent OnClick;
 
     TMenuItem* Parent() const { return FParent; }
+    /// The item above; of the items of a menu's first level the menu.
+    TComponent* GetParentComponent() const override;
+    void SetParentComponent(TComponent* parent) override;
     int Count() const { return static_cast<int>(FItems.size()); }
     TMenuItem* Items(int index) const; ///< raises EListError outside the list
     /// The item's place in its parent, -1 without one.
@@ -83,6 +86,8 @@ public:
 protected:
     /// Something that is shown has changed; a menu hands it to its front end.
     void MenuChanged();
+    void GetChildren(const TGetChildProc& proc, const TComponent* root) const override;
+    void SetChildOrder(TComponent& child, int order) override;
 
 private:
     friend class TMenu;
@@ -133,6 +138,10 @@ public:
     bool IsShortCut(TShortCut shortCut);
     /// Brings the actions of all items up to date.
     void InitiateActions();
+
+protected:
+    void GetChildren(const TGetChildProc& proc, const TComponent* root) const override;
+    void SetChildOrder(TComponent& child, int order) override;
 
 private:
     TMenuItem FRoot;

@@ -1,0 +1,184 @@
+#include "ObjectInputs.h"
+
+#include "TWrapper.h"
+#include "rtl/TMemoryStream.h"
+#include "streaming/FormBinary.h"
+#include "streaming/FormResource.h"
+#include "streaming/TFormTextParser.h"
+
+#include <algorithm>
+
+namespace tarn {
+namespace {
+
+class TBinaryInput final : public TRootInput {
+public:
+    TBinaryInput(TStream& stream, const TInputEvents& events)
+        : FReader(events.MakeReader(stream)) {}
+
+    TComponent* ReadRoot(TComponent* root) override {
+        FStart = FReader->Position();
+        return FReader->ReadRootComponent(root);
+    }
+    bool PassFailed() override {
+        try {
+            FReader->SetPosition(FStart);
+            FReader->SkipObject();
+            return true;
+        } catch (const EStreamError&) {
+            return false;
+        }
+    }
+
+private:
+    std::unique_ptr<TReader> FReader;
+    std::int64_t FStart = 0;
+};
+
+class TResourceInput final : public TRootInput {
+public:
+    TResourceInput(TStream& stream, const TInputEvents& events)
+        : FStream(stream), FReader(events.MakeReader(stream)) {}
+
+    TComponent* ReadRoot(TComponent* root) override {
+        FEnd = Unknown;
+        FReader->FlushBuffer();
+        const TResourceHead head = ReadResourceHead(FStream);
+        FEnd = FStream.Position() + head.Size;
+        TComponent* const read = FReader->ReadRootComponent(root);
+        if (FReader->Position() > FEnd) FReader->Fail("the object ends behind its resource");
+        FReader->SetPosition(FEnd);
+        return read;
+    }
+    bool PassFailed() override {
+        if (FEnd == Unknown) return false;
+        FReader->SetPosition(FEnd);
+        return true;
+    }
+
+private:
+    static constexpr std::int64_t Unknown = -1;
+
+    TStream& FStream;
+    std::unique_ptr<TReader> FReader;
+    std::int64_t FEnd = Unknown; ///< of the current resource
+};
+
+class TPropertyInput final : public TObjectInput {
+public:
+    TPropertyInput(TStream& stream, const TInputEvents& events, std::string_view signature)
+        : FReader(events.MakeReader(stream)), FSignature(signature) {}
+
+    bool Read(TPersistent& object) override {
+        if (!FSigned) FReader->ReadSignature(FSignature);
+        FSigned = true;
+        FStart = FReader->Position();
+        const TReader::TPlace place(*FReader, object.ClassName());
+        TReader::TReferences references(*FReader);
+        FReader->ReadProperties(object);
+        FReader->ReadListEnd();
+        references.Close();
+        return true;
+    }
+    bool PassFailed() override {
+        if (!FSigned) return false;
+        try {
+            FReader->SetPosition(FStart);
+            while (!FReader->EndOfList()) FReader->SkipProperty();
+            FReader->ReadListEnd();
+            return true;
+        } catch (const EStreamError&) {
+            return false;
+        }
+    }
+
+private:
+    std::unique_ptr<TReader> FReader;
+    std::string_view FSignature;
+    bool FSigned = false; ///< the signature has been read
+    std::int64_t FStart = 0;
+};
+
+/// What is left of a stream, which is then at its end.
+std::string RestOf(TStream& stream) {
+    const std::int64_t left = std::max<std::int64_t>(stream.Size() - stream.Position(), 0);
+    std::string rest(static_cast<std::size_t>(left), '\0');
+    stream.ReadBuffer(rest.data(), left);
+    return rest;
+}
+
+/// Lines of description are blanked as they are met: to the parser they are nothing, and the places
+/// that its errors name are those of the whole text.
+class TTextInput final : public TRootInput {
+public:
+    TTextInput(TStream& stream, const TInputEvents& events)
+        : FStream(stream), FEvents(events), FStart(stream.Position()), FText(RestOf(stream)),
+          FParser(FText) {}
+
+    bool Read(TPersistent& object) override {
+        FParsed = false;
+        if (!object.InheritsFrom(TComponent::ClassRecord)) {
+            const std::string description = TakeDescription();
+            if (!FEvents.TellDescription(&object, description)) return false;
+        }
+        return TRootInput::Read(object);
+    }
+    TComponent* ReadRoot(TComponent* root) override {
+        FParsed = false;
+        FBinary.SetSize(0);
+        TFormBinaryWriter writer(FBinary);
+        FParser.Parse(writer);
+        FParsed = true;
+        FStream.SetPosition(FStart + FParser.Offset());
+        FBinary.SetPosition(0);
+        return FEvents.MakeReader(FBinary)->ReadRootComponent(root);
+    }
+    bool PassFailed() override { return FParsed; }
+
+private:
+    std::string TakeDescription() {
+        const auto from = static_cast<std::size_t>(FParser.Offset());
+        const std::size_t end = FText.find('\r', from);
+        if (end == std::string::npos) FParser.Fail("a description without a carriage return");
+        std::string description = FText.substr(from, end - from);
+        std::fill(FText.begin() + FParser.Offset(),
+                  FText.begin() + static_cast<std::ptrdiff_t>(end), ' ');
+        // The byte behind goes with the line, whatever it is.
+        if (end + 1 < FText.size() && FText[end + 1] != '\n') FText[end + 1] = ' ';
+        return description;
+    }
+
+    TStream& FStream;
+    const TInputEvents& FEvents;
+    std::int64_t FStart; ///< of the text in the stream
+    std::string FText;
+    TFormTextParser FParser;
+    bool FParsed = false; ///< the parser stands behind the current object
+    TMemoryStream FBinary;
+};
+
+} // namespace
+
+bool TRootInput::Read(TPersistent& object) {
+    WithRootOf(object, [this](TComponent& root) { ReadRoot(&root); });
+    return true;
+}
+
+std::unique_ptr<TRootInput> BinaryInput(TStream& stream, const TInputEvents& events) {
+    return std::make_unique<TBinaryInput>(stream, events);
+}
+
+std::unique_ptr<TRootInput> ResourceInput(TStream& stream, const TInputEvents& events) {
+    return std::make_unique<TResourceInput>(stream, events);
+}
+
+std::unique_ptr<TRootInput> TextInput(TStream& stream, const TInputEvents& events) {
+    return std::make_unique<TTextInput>(stream, events);
+}
+
+std::unique_ptr<TObjectInput> PropertyInput(TStream& stream, const TInputEvents& events,
+                                            std::string_view signature) {
+    return std::make_unique<TPropertyInput>(stream, events, signature);
+}
+
+} // namespace tarn
