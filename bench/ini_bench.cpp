@@ -127,6 +127,7 @@ BENCHMARK(LookUps)->Arg(1000)->Arg(1'000'000)->UseManualTime()->Unit(benchmark::
 void Changes(benchmark::State& state) {
     const int keys = static_cast<int>(state.range(0));
     std::vector<std::string> names;
+    names.reserve(static_cast<std::size_t>(keys));
     for (int i = 0; i < keys; ++i) names.push_back(KeyName(i));
     for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         TIniStrings ini;
