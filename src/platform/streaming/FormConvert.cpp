@@ -223,9 +223,9 @@ private:
 /// alone: paths are not worth their time while all goes well.
 std::string PathAt(std::string_view bytes, std::int64_t offset) {
     TFormTree tree(bytes);
+    TFormFileReader reader(bytes);
+    tree.SetSource(reader);
     try {
-        TFormFileReader reader(bytes);
-        tree.SetSource(reader);
         reader.ReadAll(tree);
     } catch (const Exception&) {
         tree.CloseAll(); // behind the offset, anything may be wrong
