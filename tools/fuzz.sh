@@ -2,6 +2,7 @@
 # Builds the fuzz targets, tries each on the inputs kept in fuzz/inputs, and then searches for new
 # ones. What makes a target fail is kept in build/fuzz/found, and the script fails.
 #   tools/fuzz.sh [SECONDS [TARGET...]]    a minute in all, shared by all targets
+# With TARN_FUZZ_SEED=NUMBER the search takes the same way each time.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source tools/setup.sh
@@ -25,7 +26,7 @@ for target in "${targets[@]}"; do
     folders=("$gathered")
     [ ! -d "$kept" ] || folders+=("$kept")
     if ! build/fuzz/fuzz/fuzz_"$target" -max_total_time="$((each > 0 ? each : 1))" -timeout=25 \
-        -print_final_stats=1 -artifact_prefix="build/fuzz/found/$target-" "${folders[@]}" \
+        -seed="${TARN_FUZZ_SEED:-0}" -print_final_stats=1 -artifact_prefix="build/fuzz/found/$target-" "${folders[@]}" \
         >"build/fuzz/$target.log" 2>&1; then
         tail -40 "build/fuzz/$target.log" >&2
         exit 1
