@@ -8,6 +8,7 @@
 #include "TScript.h"
 #include "TTempFolder.h"
 #include "qsAppUtils.h"
+#include "rtl/FormatSettings.h"
 
 #include <CLI/CLI.hpp>
 
@@ -280,6 +281,8 @@ int TarnMain(int argc, char** argv) {
     }
     try {
         if (chosen) chosen();
+        // The pack dates its log as the user does; scripts and files mean the same everywhere.
+        if (!*run && !chosen) FormatSettings() = UserFormatSettings();
         TConsoleDialogs console = TConsoleDialogs::OfProcess();
         if (*run) RunScript(script, ask ? &console : nullptr);
         if (*apply)

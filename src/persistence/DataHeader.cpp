@@ -168,7 +168,6 @@ bool TestStreamFormat(const TStreamOrFile& source, TObjectStorageFormat& format)
         stream.SetPosition(position);
         return first;
     });
-    if (bytes.empty()) return false;
     if (IsResource(bytes))
         format = osfResBin;
     else if (bytes == FilerSignature)

@@ -1,5 +1,6 @@
 #include "ObjectInputs.h"
 
+#include "TTextPlaces.h"
 #include "TWrapper.h"
 #include "rtl/TMemoryStream.h"
 #include "streaming/FormBinary.h"
@@ -67,11 +68,11 @@ private:
 class TPropertyInput final : public TObjectInput {
 public:
     TPropertyInput(TStream& stream, const TInputEvents& events, std::string_view signature)
-        : FReader(events.MakeReader(stream)), FSignature(signature) {}
+        : FReader(events.MakeReader(stream)) {
+        FReader->ReadSignature(signature);
+    }
 
     bool Read(TPersistent& object) override {
-        if (!FSigned) FReader->ReadSignature(FSignature);
-        FSigned = true;
         FStart = FReader->Position();
         const TReader::TPlace place(*FReader, object.ClassName());
         TReader::TReferences references(*FReader);
@@ -81,7 +82,6 @@ public:
         return true;
     }
     bool PassFailed() override {
-        if (!FSigned) return false;
         try {
             FReader->SetPosition(FStart);
             while (!FReader->EndOfList()) FReader->SkipProperty();
@@ -94,8 +94,6 @@ public:
 
 private:
     std::unique_ptr<TReader> FReader;
-    std::string_view FSignature;
-    bool FSigned = false; ///< the signature has been read
     std::int64_t FStart = 0;
 };
 
@@ -113,7 +111,9 @@ class TTextInput final : public TRootInput {
 public:
     TTextInput(TStream& stream, const TInputEvents& events)
         : FStream(stream), FEvents(events), FStart(stream.Position()), FText(RestOf(stream)),
-          FParser(FText) {}
+          FParser(FText), FPlaces(FText) {
+        FStream.SetPosition(FStart);
+    }
 
     bool Read(TPersistent& object) override {
         FParsed = false;
@@ -124,14 +124,16 @@ public:
         return TRootInput::Read(object);
     }
     TComponent* ReadRoot(TComponent* root) override {
-        FParsed = false;
         FBinary.SetSize(0);
+        FPlaces.SetObject(static_cast<std::size_t>(FParser.Offset()));
         TFormBinaryWriter writer(FBinary);
         FParser.Parse(writer);
         FParsed = true;
         FStream.SetPosition(FStart + FParser.Offset());
         FBinary.SetPosition(0);
-        return FEvents.MakeReader(FBinary)->ReadRootComponent(root);
+        const std::unique_ptr<TReader> reader = FEvents.MakeReader(FBinary);
+        reader->OnPlace = [this](std::int64_t offset) { return PlaceOf(offset); };
+        return reader->ReadRootComponent(root);
     }
     bool PassFailed() override { return FParsed; }
 
@@ -141,11 +143,16 @@ private:
         const std::size_t end = FText.find('\r', from);
         if (end == std::string::npos) FParser.Fail("a description without a carriage return");
         std::string description = FText.substr(from, end - from);
-        std::fill(FText.begin() + FParser.Offset(),
-                  FText.begin() + static_cast<std::ptrdiff_t>(end), ' ');
-        // The byte behind goes with the line, whatever it is.
-        if (end + 1 < FText.size() && FText[end + 1] != '\n') FText[end + 1] = ' ';
+        // The byte behind goes with the line, whatever it is; breaks of lines stay, for the places.
+        const std::size_t behind = std::min(end + 2, FText.size());
+        for (std::size_t i = from; i < behind; ++i)
+            if (static_cast<unsigned char>(FText[i]) > ' ') FText[i] = ' ';
         return description;
+    }
+
+    std::string PlaceOf(std::int64_t offset) {
+        const TTextPlace place = FPlaces.PlaceOf(offset, FBinary.Text());
+        return Format("line %d, column %d", {place.Line, place.Column});
     }
 
     TStream& FStream;
@@ -153,6 +160,7 @@ private:
     std::int64_t FStart; ///< of the text in the stream
     std::string FText;
     TFormTextParser FParser;
+    TTextPlaces FPlaces;
     bool FParsed = false; ///< the parser stands behind the current object
     TMemoryStream FBinary;
 };

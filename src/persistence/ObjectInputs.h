@@ -46,7 +46,7 @@ public:
 std::unique_ptr<TRootInput> BinaryInput(TStream& stream, const TInputEvents& events);
 std::unique_ptr<TRootInput> ResourceInput(TStream& stream, const TInputEvents& events);
 std::unique_ptr<TRootInput> TextInput(TStream& stream, const TInputEvents& events);
-/// Objects without heads behind one signature.
+/// Objects without heads behind one signature, which is read at once: raises EInvalidImage.
 std::unique_ptr<TObjectInput> PropertyInput(TStream& stream, const TInputEvents& events,
                                             std::string_view signature);
 

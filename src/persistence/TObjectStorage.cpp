@@ -11,6 +11,8 @@
 #include "streaming/TFormTextPrinter.h"
 
 #include <algorithm>
+#include <iterator>
+#include <vector>
 
 namespace tarn {
 
@@ -105,6 +107,24 @@ void TObjectStorage::SaveObjectDataText(TObjectList objects, const TStreamOrFile
 
 // --- Loading ----------------------------------------------------------------------------------
 
+namespace {
+
+/// The component of a dotted path that begins below the component, with its own name, or so with
+/// one of its owners; null when there is none.
+TComponent* FindAround(TComponent* component, std::string_view path) {
+    const std::size_t point = path.find('.');
+    for (; component; component = component->Owner()) {
+        if (TComponent* const found = FindComponentEx(component, path)) return found;
+        if (!SameText(path.substr(0, point), component->Name())) continue;
+        if (point == std::string_view::npos) return component;
+        if (TComponent* const found = FindComponentEx(component, path.substr(point + 1)))
+            return found;
+    }
+    return nullptr;
+}
+
+} // namespace
+
 /// A load in progress.
 class TObjectStorage::TLoad {
 public:
@@ -120,15 +140,30 @@ public:
 
     /// False when it ended before the last object.
     bool Run(TObjectList objects, TObjectStorageFormat format) {
-        const std::unique_ptr<TObjectInput> input = Open(format);
-        return std::all_of(objects.begin(), objects.end(),
-                           [&](TPersistent* object) { return Read(*input, *object); });
+        for (TPersistent* const object : objects)
+            if (auto* const component = ClassCast<TComponent>(object)) FKnown.push_back(component);
+        std::unique_ptr<TObjectInput> input;
+        const auto open = [&] {
+            input = Open(format);
+            return true;
+        };
+        return Attempt(input, open) &&
+               std::all_of(objects.begin(), objects.end(), [&](TPersistent* object) {
+                   FCurrent = ClassCast<TComponent>(object);
+                   return Attempt(input, [&] { return input->Read(*object); });
+               });
     }
 
     /// The same for components as roots.
     void RunRoots(std::span<TComponent*> components, TObjectStorageFormat format) {
         const std::unique_ptr<TRootInput> input = OpenRoots(format);
-        for (TComponent*& component : components) component = input->ReadRoot(component);
+        std::copy_if(components.begin(), components.end(), std::back_inserter(FKnown),
+                     [](const TComponent* component) { return component != nullptr; });
+        for (TComponent*& component : components) {
+            const bool isNew = !component;
+            component = input->ReadRoot(component);
+            if (isNew) FKnown.push_back(component);
+        }
     }
 
 private:
@@ -143,19 +178,25 @@ private:
         return BinaryInput(FStream, FEvents);
     }
 
-    bool Read(TObjectInput& input, TPersistent& object) {
-        if (!FTolerant) return input.Read(object);
+    /// Takes a step; after an error, whether the load can go on with the next one.
+    template <class F> bool Attempt(const std::unique_ptr<TObjectInput>& input, F&& step) {
+        if (!FTolerant) return step();
         try {
-            return input.Read(object);
+            return step();
         } catch (const Exception& error) {
             // What the reader has asked about is not asked again.
-            return !FRefused && GoesOn(error.Message()) && input.PassFailed();
+            return !FRefused && GoesOn(error.Message()) && input && input->PassFailed();
         }
     }
 
     std::unique_ptr<TReader> MakeReader(TStream& stream) {
         auto reader = FStorage.CreateReader ? FStorage.CreateReader(stream)
                                             : std::make_unique<TReader>(stream);
+        reader->OnFindComponent = [this, first = std::move(reader->OnFindComponent)](
+                                      TReader& from, std::string_view name, TComponent*& found) {
+            if (first) first(from, name, found);
+            if (!found) found = FindComponent(name);
+        };
         if (FTolerant)
             reader->OnError = [this, first = std::move(reader->OnError)](
                                   TReader& from, std::string_view message, bool& handled) {
@@ -163,6 +204,15 @@ private:
                 if (!handled) handled = GoesOn(message);
             };
         return reader;
+    }
+
+    /// A component outside of the root that is read: below the current object, another one of the
+    /// list, or an owner of either.
+    TComponent* FindComponent(std::string_view path) const {
+        if (TComponent* const found = FindAround(FCurrent, path)) return found;
+        for (TComponent* const component : FKnown)
+            if (TComponent* const found = FindAround(component, path)) return found;
+        return nullptr;
     }
 
     bool GoesOn(std::string_view error) {
@@ -176,7 +226,9 @@ private:
     const TObjectStorage& FStorage;
     TStream& FStream;
     bool FTolerant;
-    bool FRefused = false; ///< the user does not want to go on
+    bool FRefused = false;           ///< the user does not want to go on
+    std::vector<TComponent*> FKnown; ///< the components among the objects
+    TComponent* FCurrent = nullptr;  ///< the one to look around first; null for none
     TInputEvents FEvents;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DataHeader.h"
+#include "MethodParams.h"
 #include "ObjectStorageFormat.h"
 #include "TStreamOrFile.h"
 
@@ -34,6 +35,11 @@ using TDescriptionEvent =
 /// EReadError for what does not fit the format, EInvalidImage for another signature. Saving raises
 /// EWriteError for what the format cannot hold. Where a file is named, the errors of TStreamOrFile
 /// come to that.
+///
+/// A name that refers to a component means one below the root that is read, as in any component
+/// stream, else what the reader's own OnFindComponent knows, else a component among the objects of
+/// the list, or in the tree that owns one of them, by the names that they have at that time. In
+/// osfExtBin nothing is a root, and only the latter two count.
 ///
 /// The free functions of the same names in qsDataHndl.h are the first generation of this class:
 /// they write the same, but for the signature of osfExtBin, which is "TPF0" there.
@@ -107,6 +113,10 @@ public:
     /// What an object has, for people who look for a fault: a line "NAME: VALUE [TYPE]" for each
     /// published property, without a value where GetPropAsText has none.
     static std::string GetObjectPropsInfo(const TPersistent& object);
+    /// A method type's signature, likewise: the function of that name in MethodParams.h.
+    static std::string GetMethodParams(const TTypeInfo& type) {
+        return tarn::GetMethodParams(type);
+    }
 
     // --- What stands around objects: the functions of the same names in DataHeader.h ----------
 

@@ -3,6 +3,8 @@
 #include "rtl/SafeFile.h"
 #include "rtl/TMemoryStream.h"
 
+#include <algorithm>
+
 namespace tarn {
 
 void TStreamOrFile::Write(const std::function<void(TStream&)>& write) const {
@@ -10,6 +12,13 @@ void TStreamOrFile::Write(const std::function<void(TStream&)>& write) const {
     TMemoryStream contents;
     write(contents);
     SaveFileText(FFileName, contents.Text());
+}
+
+std::string ReadRest(TStream& stream) {
+    const std::int64_t left = std::max<std::int64_t>(stream.Size() - stream.Position(), 0);
+    std::string rest(static_cast<std::size_t>(left), '\0');
+    stream.ReadBuffer(rest.data(), left);
+    return rest;
 }
 
 } // namespace tarn

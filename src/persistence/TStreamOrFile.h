@@ -34,4 +34,7 @@ private:
     std::string FFileName;
 };
 
+/// What is left of a stream, which is then at its end.
+std::string ReadRest(TStream& stream);
+
 } // namespace tarn

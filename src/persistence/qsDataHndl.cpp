@@ -13,15 +13,6 @@ public:
     TFirstStorage() : TObjectStorage(FilerSignature) {}
 };
 
-/// Bytes as a stream that is read only.
-class TBytesStream : public TMemoryStream {
-public:
-    explicit TBytesStream(std::string_view bytes) {
-        // The stream asks for memory to write to, and never does.
-        SetPointer(const_cast<char*>(bytes.data()), static_cast<std::int64_t>(bytes.size()));
-    }
-};
-
 bool HasPropertyBlocks(TObjectStorageFormat format) {
     return format == osfBin || format == osfText;
 }

@@ -4,6 +4,7 @@
 
 #include "qsStrUtils.h"
 #include "rtl/SysUtils.h"
+#include "rtl/UpdateOnce.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -107,11 +108,11 @@ bool SortDeclarations(TStrings& strings, int& index) {
     std::stable_sort(declarations.begin(), declarations.end(),
                      [](const TDeclaration& a, const TDeclaration& b) { return a.Key < b.Key; });
 
-    strings.BeginUpdate();
-    strings.Clear();
-    for (const TDeclaration& declaration : declarations)
-        for (const std::string& line : declaration.Lines) strings.Add(line);
-    strings.EndUpdate();
+    UpdateOnce(strings, [&] {
+        strings.Clear();
+        for (const TDeclaration& declaration : declarations)
+            for (const std::string& line : declaration.Lines) strings.Add(line);
+    });
     index = static_cast<int>(lines.size());
     return true;
 }

@@ -3,6 +3,7 @@
 #include "qsSourceLines.h"
 
 #include "qsStrUtils.h"
+#include "rtl/UpdateOnce.h"
 
 namespace tarn {
 
@@ -34,13 +35,13 @@ bool MayExchange(const TStrings& strings) {
 void DeleteLines(TStrings& strings, int index, int count) {
     constexpr int longRun = 8;
     int at = index;
-    strings.BeginUpdate();
-    if (count >= longRun && MayExchange(strings)) {
-        const int kept = strings.Count() - count;
-        for (; at < kept; ++at) strings.Exchange(at, at + count);
-    }
-    for (int left = count; left > 0; --left) strings.Delete(at + left - 1);
-    strings.EndUpdate();
+    UpdateOnce(strings, [&] {
+        if (count >= longRun && MayExchange(strings)) {
+            const int kept = strings.Count() - count;
+            for (; at < kept; ++at) strings.Exchange(at, at + count);
+        }
+        for (int left = count; left > 0; --left) strings.Delete(at + left - 1);
+    });
 }
 
 template <class FindInLine>

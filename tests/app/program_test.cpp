@@ -1,10 +1,8 @@
+#include "TTerminal.h"
 #include "app_fixture.h"
 
 #include <cstdlib>
-#include <pty.h>
 #include <sys/wait.h>
-#include <termios.h>
-#include <unistd.h>
 
 // The built program as a shell sees it: output, messages and exit codes.
 
@@ -22,24 +20,11 @@ protected:
     }
     /// The same at a terminal where the input was typed ahead, without its echo.
     std::string RunAtTerminal(const std::string& arguments, std::string_view typed) {
-        int master = -1;
-        int slave = -1;
-        termios settings{};
-        if (openpty(&master, &slave, nullptr, nullptr, nullptr) != 0 ||
-            tcgetattr(slave, &settings) != 0)
-            return "no terminal";
-        settings.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-        EXPECT_EQ(tcsetattr(slave, TCSANOW, &settings), 0);
-        EXPECT_EQ(write(master, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
-        const std::string terminal = ttyname(slave);
-        std::string result = Start(arguments, terminal, terminal);
-        close(slave); // nobody has it open any more: what is shown comes to an end
-        char shown[512];
-        for (ssize_t size; (size = read(master, shown, sizeof shown)) > 0;)
-            result.append(shown, static_cast<std::size_t>(size));
-        close(master);
-        return WithoutFolder(std::move(result));
+        TTerminal terminal;
+        if (!terminal.IsOpen()) return "no terminal";
+        terminal.Type(typed);
+        const std::string result = Start(arguments, terminal.Name(), terminal.Name());
+        return WithoutFolder(result + terminal.Shown());
     }
     void Write(std::string_view name, std::string_view text) {
         WriteFile(Folder.Path() / name, text);

@@ -1,40 +1,23 @@
 #include "TProgress.h"
-
-#include <gtest/gtest.h>
+#include "TTerminal.h"
 
 #include <cstdio>
-#include <pty.h>
-#include <string>
-#include <termios.h>
-#include <unistd.h>
 
 namespace tarn {
 namespace {
 
 /// What standard error, a terminal meanwhile, gets to show.
 template <class F> std::string ShownAtTerminal(F&& work) {
-    int master = -1;
-    int slave = -1;
-    termios settings{};
-    if (openpty(&master, &slave, nullptr, nullptr, nullptr) != 0 ||
-        tcgetattr(slave, &settings) != 0)
-        return "no terminal";
-    settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-    EXPECT_EQ(tcsetattr(slave, TCSANOW, &settings), 0);
+    TTerminal terminal;
+    if (!terminal.IsOpen()) return "no terminal";
     std::fflush(stderr);
     const int former = dup(STDERR_FILENO);
-    dup2(slave, STDERR_FILENO);
+    dup2(terminal.Descriptor(), STDERR_FILENO);
     work();
     std::fflush(stderr);
     dup2(former, STDERR_FILENO);
     close(former);
-    close(slave); // nobody has it open any more: what is shown comes to an end
-    std::string shown;
-    char bytes[512];
-    for (ssize_t size; (size = read(master, bytes, sizeof bytes)) > 0;)
-        shown.append(bytes, static_cast<std::size_t>(size));
-    close(master);
-    return shown;
+    return terminal.Shown();
 }
 
 TEST(Progress, IsOneLineThatGoes) {

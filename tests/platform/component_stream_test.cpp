@@ -513,8 +513,10 @@ TEST_F(ComponentStream, EveryKindOfPropertyThereAndBack) {
     EXPECT_EQ(Stored(*main), WholeForm);
 
     // What a stream does not mention stays, and collections are replaced.
-    Read("object Main: TPart\n  Text = 'new'\n  Columns = <item end>\n  Buddy = nil\nend\n",
+    Read("object Main: TPart\n  Text = 'new'\n  Pen.Width = $80000005\n"
+         "  Columns = <item end>\n  Buddy = nil\nend\n",
          main.get());
+    EXPECT_EQ(main->FPen.Width, std::numeric_limits<std::int32_t>::min() + 5);
     EXPECT_EQ(main->Text, "new");
     EXPECT_EQ(main->Small, -300);
     EXPECT_EQ(main->Columns()->Count(), 1);
@@ -565,6 +567,8 @@ TEST_F(ComponentStream, ErrorsCanBePassedOver) {
         {"Small = 'x'", "Main.Small: an integer expected, not vaString"},
         {"Small = 40000", "Main.Small: 40000 is out of the range of SmallInt"},
         {"Cardinal = 4294967296", "Main.Cardinal: 4294967296 is out of the range of Cardinal"},
+        {"Pen.Width = $100000000", "Main.Pen.Width: 4294967296 is out of the range of Integer"},
+        {"Pen.Width = -2147483649", "Main.Pen.Width: -2147483649 is out of the range of Integer"},
         {"Small = sixteen", "Main.Small: 'sixteen' is no value of SmallInt"},
         {"Pen.Ink = ikBlue", "Main.Pen.Ink: 'ikBlue' is no value of TInk"},
         {"Letter = 'ab'", "Main.Letter: 'ab' is not one character"},

@@ -45,12 +45,8 @@ public:
         const auto separator = [this] {
             return Take(FormatSettings().DateSeparator) || Take("/") || Take("-") || Take(".");
         };
-        std::array<TNumber, 3> numbers{};
-        std::size_t count = 0;
-        do {
-            if (!Read(numbers[count])) return false;
-            ++count;
-        } while (count < numbers.size() && separator());
+        TNumbers numbers{};
+        const std::size_t count = Read(numbers, separator);
         if (count < 2) return false;
         std::string order = DateOrder();
         if (count == 2) {
@@ -63,12 +59,8 @@ public:
 
     bool ReadTime() {
         const auto separator = [this] { return Take(FormatSettings().TimeSeparator) || Take(":"); };
-        std::array<TNumber, 3> numbers{};
-        std::size_t count = 0;
-        do {
-            if (!Read(numbers[count])) return false;
-            ++count;
-        } while (count < numbers.size() && separator());
+        TNumbers numbers{};
+        if (Read(numbers, separator) == 0) return false;
         FParts.Hour = numbers[0].Value;
         FParts.Minute = numbers[1].Value;
         FParts.Second = numbers[2].Value;
@@ -88,6 +80,7 @@ private:
         int Value;
         std::ptrdiff_t Digits;
     };
+    using TNumbers = std::array<TNumber, 3>;
 
     void SkipBlanks() {
         FRest.remove_prefix(std::min(FRest.find_first_not_of(" \t"), FRest.size()));
@@ -108,6 +101,16 @@ private:
         number.Digits = end - FRest.data();
         FRest.remove_prefix(static_cast<std::size_t>(number.Digits));
         return error == std::errc();
+    }
+
+    /// One to three numbers between separators: how many; 0 when one of them is missing.
+    template <class F> std::size_t Read(TNumbers& numbers, const F& separator) {
+        std::size_t count = 0;
+        do {
+            if (!Read(numbers[count])) return 0;
+            ++count;
+        } while (count < numbers.size() && separator());
+        return count;
     }
 
     void SetDatePart(char letter, const TNumber& number) {

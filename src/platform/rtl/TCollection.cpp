@@ -1,8 +1,10 @@
 #include "rtl/TCollection.h"
 
 #include "rtl/SysUtils.h"
+#include "rtl/UpdateOnce.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace tarn {
 
@@ -65,7 +67,7 @@ void TCollection::Delete(int index) {
 
 void TCollection::Clear() {
     if (FItems.empty()) return;
-    ChangeItems([this] {
+    UpdateOnce(*this, [this] {
         while (!FItems.empty()) Delete(Count() - 1);
     });
 }
@@ -82,6 +84,33 @@ void TCollection::Move(int curIndex, int newIndex) {
     Changed();
 }
 
+void TCollection::Reorder(std::span<TCollectionItem* const> order) {
+    std::unordered_map<const TCollectionItem*, std::size_t> places;
+    for (std::size_t i = 0; i < FItems.size(); ++i) places.emplace(FItems[i].get(), i);
+    std::vector<std::size_t> from;
+    for (const TCollectionItem* const item : order) {
+        const auto place = places.find(item);
+        if (place == places.end()) throw EListError("no item of the list, or named twice");
+        from.push_back(place->second);
+        places.erase(place);
+    }
+    if (!places.empty()) throw EListError("an order that leaves out an item");
+    std::vector<std::unique_ptr<TCollectionItem>> items;
+    items.reserve(from.size());
+    for (const std::size_t place : from) items.push_back(std::move(FItems[place]));
+    FItems = std::move(items);
+    Changed();
+}
+
+void TCollection::SwapItems(TCollection& other) {
+    if (FItemClass != other.FItemClass) throw EListError("items of another class");
+    FItems.swap(other.FItems);
+    for (TCollection* const each : {this, &other})
+        for (const auto& item : each->FItems) item->FCollection = each;
+    Changed();
+    other.Changed();
+}
+
 void TCollection::Assign(const TPersistent* source) {
     const auto* collection = dynamic_cast<const TCollection*>(source);
     if (!collection) {
@@ -89,7 +118,7 @@ void TCollection::Assign(const TPersistent* source) {
         return;
     }
     if (collection == this) return;
-    ChangeItems([&] {
+    UpdateOnce(*this, [&] {
         Clear();
         for (int i = 0; i < collection->Count(); ++i) Add()->Assign(collection->Items(i));
     });

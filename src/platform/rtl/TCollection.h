@@ -2,6 +2,7 @@
 
 #include "rtl/TObject.h"
 
+#include <span>
 #include <vector>
 
 namespace tarn {
@@ -48,21 +49,16 @@ public:
     void Delete(int index);
     void Clear(); ///< frees the items from the last to the first
     void Move(int curIndex, int newIndex);
+    /// Puts all items into another order, which names each of them once. Raises EListError when it
+    /// does not; the items stay then.
+    void Reorder(std::span<TCollectionItem* const> order);
+    /// Exchanges the items with those of a collection of the same item class.
+    void SwapItems(TCollection& other);
 
     /// Between the two no change is reported; the pairs nest, and the last EndUpdate reports one.
+    /// See UpdateOnce.
     void BeginUpdate() { ++FUpdateCount; }
     void EndUpdate();
-    /// Runs `change` between BeginUpdate and EndUpdate, which is called even when it raises.
-    template <class F> void ChangeItems(F&& change) {
-        BeginUpdate();
-        try {
-            change();
-        } catch (...) {
-            EndUpdate();
-            throw;
-        }
-        EndUpdate();
-    }
 
     /// Makes this collection's items copies of the other's, one for one.
     void Assign(const TPersistent* source) override;

@@ -41,6 +41,16 @@ protected:
     std::int64_t FPosition = 0;
 };
 
+/// Bytes that stay the caller's, as a stream that cannot be written to.
+class TBytesStream final : public TCustomMemoryStream {
+public:
+    explicit TBytesStream(std::string_view bytes) {
+        // The stream asks for memory to write to, and never does.
+        SetPointer(const_cast<char*>(bytes.data()), static_cast<std::int64_t>(bytes.size()));
+    }
+    std::int64_t Write(const void*, std::int64_t) override { return 0; }
+};
+
 /// A stream in memory that grows as it is written. Bytes that its growth adds hold anything, those
 /// that a write leaves out behind the old end are 0.
 ///

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rtl/MethodInfo.h"
 #include "rtl/TMethod.h"
 #include "rtl/TypInfo.h"
 
@@ -33,6 +34,12 @@ public:
     /// its ancestors; false, and null, when the class does not implement it. Nothing is counted.
     bool GetInterface(const TGUID& iid, void*& obj);
 };
+
+inline constexpr std::string_view NotifyEventParams[] = {"Sender"};
+template <>
+inline constexpr TTypeInfo TypeInfoOf<TNotifyEvent> = MethodType("TNotifyEvent",
+                                                                 MethodSignatureOf<TNotifyEvent>,
+                                                                 NotifyEventParams);
 
 /// Frees an object: BeforeDestruction, then the destructor, which runs in any case.
 void FreeObject(TObject* object);

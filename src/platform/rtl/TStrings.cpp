@@ -2,6 +2,7 @@
 
 #include "rtl/SafeFile.h"
 #include "rtl/SysUtils.h"
+#include "rtl/UpdateOnce.h"
 #include "streaming/TReader.h"
 #include "streaming/TWriter.h"
 
@@ -24,7 +25,7 @@ int TStrings::AddObject(std::string_view s, TObject* object) {
 }
 
 void TStrings::AddStrings(const TStrings& source) {
-    Update([&] {
+    UpdateOnce(*this, [&] {
         // The count is taken first: a list may be added to itself.
         const int count = source.Count();
         for (int i = 0; i < count; ++i) AddObject(std::string(source.Get(i)), source.GetObject(i));
@@ -35,7 +36,7 @@ void TStrings::Exchange(int index1, int index2) {
     const std::string text1 = Get(index1);
     const std::string text2 = Get(index2);
     TObject* const object1 = GetObject(index1);
-    Update([&] {
+    UpdateOnce(*this, [&] {
         Put(index1, text2);
         PutObject(index1, GetObject(index2));
         Put(index2, text1);
@@ -48,7 +49,7 @@ void TStrings::Move(int curIndex, int newIndex) {
     const std::string text = Get(curIndex);
     TObject* const object = GetObject(curIndex);
     (void)Get(newIndex);
-    Update([&] {
+    UpdateOnce(*this, [&] {
         Delete(curIndex);
         InsertObject(newIndex, text, object);
     });
@@ -119,7 +120,7 @@ std::string TStrings::GetTextStr() const {
 void TStrings::SetTextStr(std::string_view text) {
     // The text may be one of the list's own strings.
     const std::string kept(text);
-    Update([&] {
+    UpdateOnce(*this, [&] {
         Clear();
         ForEachLine(kept, [this](std::string_view line) { Add(line); });
     });
@@ -171,7 +172,7 @@ void TStrings::SetCommaText(std::string_view text) {
         at = skipBlanks(at + 1);
         if (at >= text.size()) items.emplace_back();
     }
-    Update([&] {
+    UpdateOnce(*this, [&] {
         Clear();
         for (const std::string& item : items) Add(item);
     });
@@ -208,7 +209,7 @@ void TStrings::Assign(const TPersistent* source) {
         return;
     }
     if (strings == this) return;
-    Update([&] {
+    UpdateOnce(*this, [&] {
         Clear();
         AddStrings(*strings);
     });
@@ -226,7 +227,7 @@ void TStrings::DefineProperties(TFiler& filer) {
 
 void TStrings::ReadStrings(TReader& reader) {
     reader.ReadListBegin();
-    Update([&] {
+    UpdateOnce(*this, [&] {
         Clear();
         for (int index = 0; !reader.EndOfList(); ++index) {
             const TReader::TPlace place(reader, index);
@@ -332,7 +333,7 @@ int TStringList::IndexOf(std::string_view s) const {
 }
 
 void TStringList::SetTextStr(std::string_view text) {
-    Update([&] {
+    UpdateOnce(*this, [&] {
         // The old strings live on until the end: the text may be one of them.
         const TChunkedList<TItem> before = std::exchange(FItems, {});
         Clear(); // for descendants that keep more than the strings

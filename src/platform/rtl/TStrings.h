@@ -66,7 +66,8 @@ public:
     /// one is complete. Raises EInOutError naming the file.
     void SaveToFile(std::string_view fileName) const;
 
-    /// Between the two no change is reported; the pairs nest, the last EndUpdate reports.
+    /// Between the two no change is reported; the pairs nest, the last EndUpdate reports. See
+    /// UpdateOnce.
     void BeginUpdate();
     void EndUpdate();
 
@@ -81,18 +82,6 @@ protected:
     /// What is read takes the place of the strings there are; companions are not stored.
     void DefineProperties(TFiler& filer) override;
     bool Updating() const { return FUpdateCount > 0; }
-
-    /// Runs `change` between BeginUpdate and EndUpdate, which is called even when it raises.
-    template <class F> void Update(F&& change) {
-        BeginUpdate();
-        try {
-            change();
-        } catch (...) {
-            EndUpdate();
-            throw;
-        }
-        EndUpdate();
-    }
 
 private:
     void ReadStrings(TReader& reader);

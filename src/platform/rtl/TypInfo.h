@@ -20,6 +20,7 @@ namespace tarn {
 
 class TObject;
 struct TClassRecord;
+struct TMethodSignature;
 
 /// The kinds of a published property's type; the kind names the slot in which its value travels.
 enum TTypeKind : std::uint8_t {
@@ -45,9 +46,11 @@ struct TTypeInfo {
     TTypeKind Kind = tkUnknown;
     std::int64_t MinValue = 0;                    ///< ordinal kinds: the least ordinal
     std::int64_t MaxValue = 0;                    ///< ordinal kinds: the greatest; tkString: length
-    std::span<const std::string_view> Names = {}; ///< enumerations: names from MinValue on
+    std::span<const std::string_view> Names = {}; ///< enumerations: names from MinValue on;
+                                                  ///< methods: of the parameters, empty: unknown
     const TTypeInfo* CompType = nullptr;          ///< sets: the type of the elements
     const TClassRecord* Class = nullptr;          ///< classes: the declared class
+    const TMethodSignature* Signature = nullptr;  ///< methods: see MethodInfo.h
 
     /// The type's name; a class type is called as its class.
     std::string_view TypeName() const;
@@ -95,9 +98,6 @@ template <int Length>
 inline constexpr TTypeInfo TypeInfoOf<TShortString<Length>> = {"ShortString", tkString, 0, Length};
 template <> inline constexpr TTypeInfo TypeInfoOf<std::u16string> = {"WideString", tkWString};
 template <> inline constexpr TTypeInfo TypeInfoOf<TVariant> = {"Variant", tkVariant};
-template <class Signature>
-inline constexpr TTypeInfo TypeInfoOf<TMethod<Signature>> = {"TMethod", tkMethod};
-template <> inline constexpr TTypeInfo TypeInfoOf<TNotifyEvent> = {"TNotifyEvent", tkMethod};
 template <class E>
 inline constexpr TTypeInfo TypeInfoOf<TSet<E>> = {TypeInfoOf<E>.Name, tkSet, 0, 0, {},
                                                   &TypeInfoOf<E>};

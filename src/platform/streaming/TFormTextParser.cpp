@@ -85,25 +85,6 @@ std::string Offending(const char* at, const char* end) {
     return stop == at ? "end of line" : ShownFormText(Between(at, stop));
 }
 
-struct TLinePlace {
-    std::int64_t Line = 1;
-    std::int64_t Column = 1;
-};
-
-/// Lines end with CR LF, LF, or CR alone.
-TLinePlace PlaceOf(std::string_view text, std::size_t offset) {
-    TLinePlace place;
-    std::size_t lineStart =
-        text.starts_with(Utf8Mark) && offset >= Utf8Mark.size() ? Utf8Mark.size() : 0;
-    for (std::size_t i = 0; i < offset; ++i) {
-        if (text[i] != '\n' && (text[i] != '\r' || text.substr(i + 1, 1) == "\n")) continue;
-        ++place.Line;
-        lineStart = i + 1;
-    }
-    place.Column = static_cast<std::int64_t>(offset - lineStart) + 1;
-    return place;
-}
-
 /// The first line break of the text, or the one to use when there is none.
 std::string_view LineBreakOf(std::string_view text, std::string_view otherwise) {
     const std::size_t lf = text.find('\n');
@@ -121,6 +102,21 @@ bool HasFinalBreak(std::string_view text) {
 }
 
 } // namespace
+
+// --- Places -----------------------------------------------------------------------------------
+
+TTextPlace TextPlaceOf(std::string_view text, std::size_t offset) {
+    TTextPlace place;
+    std::size_t lineStart =
+        text.starts_with(Utf8Mark) && offset >= Utf8Mark.size() ? Utf8Mark.size() : 0;
+    for (std::size_t i = 0; i < offset; ++i) {
+        if (text[i] != '\n' && (text[i] != '\r' || text.substr(i + 1, 1) == "\n")) continue;
+        ++place.Line;
+        lineStart = i + 1;
+    }
+    place.Column = static_cast<std::int64_t>(offset - lineStart) + 1;
+    return place;
+}
 
 bool IsFormName(std::string_view text) {
     const char* const end = text.data() + text.size();
@@ -612,7 +608,7 @@ std::string TFormTextParser::PathText() const {
 
 void TFormTextParser::FailAt(const char* at, std::string_view what) const {
     const auto offset = static_cast<std::size_t>(at - FText.data());
-    const TLinePlace place = PlaceOf(FText, offset);
+    const TTextPlace place = TextPlaceOf(FText, offset);
     std::string message = Format("line %d, column %d: ", {place.Line, place.Column});
     if (!FPath.empty()) (message += PathText()) += ": ";
     ((message += what) += ": ") += Offending(at, FEnd);

@@ -31,6 +31,14 @@ private:
     std::int64_t FColumn;
 };
 
+/// A place in a text, both from 1; columns count bytes.
+struct TTextPlace {
+    std::int64_t Line = 1;
+    std::int64_t Column = 1;
+};
+/// The place of an offset. Lines end with CR LF, LF, or CR alone; the mark of UTF-8 is no column.
+TTextPlace TextPlaceOf(std::string_view text, std::size_t offset);
+
 /// Whether a text is what the text form of forms takes for one name: identifiers joined by points,
 /// where bytes from 128 on count as letters, 255 bytes at most.
 bool IsFormName(std::string_view text);
@@ -63,6 +71,8 @@ public:
     const TFormLayout& Layout() const { return FLayout; }
 
     std::int64_t Offset() const override { return FPos - FText.data(); }
+    /// Goes to an offset in the text, between objects.
+    void SetOffset(std::int64_t offset) { FPos = FText.data() + offset; }
 
     /// Raises the error for the text at the current offset, with the path to what is being read.
     [[noreturn]] void Fail(std::string_view what) const { FailAt(FPos, what); }

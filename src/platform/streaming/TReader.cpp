@@ -12,8 +12,8 @@
 namespace tarn {
 namespace {
 
-std::string Located(std::int64_t offset, std::string_view path, std::string_view what) {
-    std::string message = Format("offset %d: ", {offset});
+std::string Located(std::string_view place, std::string_view path, std::string_view what) {
+    std::string message = std::string(place) + ": ";
     if (!path.empty()) message.append(ShownFormPath(path)).append(": ");
     return message.append(MaskedFormText(what));
 }
@@ -24,9 +24,9 @@ std::string Shown(std::string_view text) {
 
 } // namespace
 
-EReaderError::EReaderError(std::int64_t offset, std::string path, std::string_view what,
-                           bool canContinue)
-    : EReadError(Located(offset, path, what)), FOffset(offset), FPath(std::move(path)),
+EReaderError::EReaderError(std::int64_t offset, std::string_view place, std::string path,
+                           std::string_view what, bool canContinue)
+    : EReadError(Located(place, path, what)), FOffset(offset), FPath(std::move(path)),
       FCanContinue(canContinue) {}
 
 // --- The buffer -------------------------------------------------------------------------------
@@ -116,6 +116,12 @@ void TReader::FillBuffer(std::int64_t count) {
     }
 }
 
+std::string_view TReader::BytesSince(std::int64_t offset) {
+    const std::int64_t count = Position() - offset;
+    SetPosition(offset);
+    return {Take(count), static_cast<std::size_t>(count)};
+}
+
 template <int Bytes> std::uint64_t TReader::TakeNumber() {
     const char* const bytes = Take(Bytes);
     std::uint64_t value = 0;
@@ -145,8 +151,12 @@ TReader::TNesting::TNesting(TReader& reader) : FReader(reader) {
     ++reader.FDepth;
 }
 
+std::string TReader::PlaceOf(std::int64_t offset) const {
+    return OnPlace ? OnPlace(offset) : Format("offset %d", {offset});
+}
+
 void TReader::FailAt(std::int64_t offset, std::string_view what, bool canContinue) const {
-    throw EReaderError(offset, FPath, what, canContinue);
+    throw EReaderError(offset, PlaceOf(offset), FPath, what, canContinue);
 }
 
 void TReader::Fail(std::string_view what, bool canContinue) const {
@@ -323,8 +333,8 @@ void TReader::ReadSignature(std::string_view signature) {
     const auto length = std::min(static_cast<std::int64_t>(signature.size()), BytesLeft());
     const std::string_view found(Take(length), static_cast<std::size_t>(length));
     if (found != signature)
-        throw EInvalidImage(at, FPath, Format("%s expected, not %s", {signature, Shown(found)}),
-                            false);
+        throw EInvalidImage(at, PlaceOf(at), FPath,
+                            Format("%s expected, not %s", {signature, Shown(found)}), false);
 }
 
 void TReader::ReadPrefix(TFilerFlags& flags, std::int32_t& childPos) {

@@ -16,11 +16,13 @@ namespace tarn {
 class TCollection;
 class TCustomMemoryStream;
 
-/// What is wrong in a component stream, and where. The message is "offset O: PATH: what", names
+/// What is wrong in a component stream, and where. The message is "PLACE: PATH: what", names
 /// without control characters; the path is left out where there is none.
 class EReaderError : public EReadError {
 public:
-    EReaderError(std::int64_t offset, std::string path, std::string_view what, bool canContinue);
+    /// \param place the offset, for people
+    EReaderError(std::int64_t offset, std::string_view place, std::string path,
+                 std::string_view what, bool canContinue);
 
     std::string_view ClassName() const override { return "EReaderError"; }
     std::int64_t Offset() const { return FOffset; }   ///< 0-based, in the stream
@@ -41,6 +43,9 @@ struct TInvalidImageTag {
 };
 /// A stream that begins with another signature than the expected one.
 using EInvalidImage = TNamedException<TInvalidImageTag, EReaderError>;
+
+/// Why a property that a stream names has no place in the object that is read.
+enum TNoPlace : std::uint8_t { npUnknown, npNoObject, npReadOnly };
 
 /// Reads a component stream: its values one by one, or whole objects.
 ///
@@ -119,7 +124,7 @@ public:
     TComponent* ReadRootComponent(TComponent* root);
     /// Reads what a root component's stream holds into an object that need not be a component.
     /// Class, name and children of the stream are passed over.
-    void ReadAsComponent(TPersistent& object);
+    virtual void ReadAsComponent(TPersistent& object);
     /// Reads a child of the current parent: a new component, or an existing one that the stream
     /// calls inherited. A new one without an owner is the caller's. Null when OnError let a class
     /// go that nobody knows.
@@ -154,6 +159,9 @@ public:
 
     // --- What others may decide ---------------------------------------------------------------
 
+    /// What messages call an offset of a stream that was made from something else; "offset O" when
+    /// it is empty.
+    std::function<std::string(std::int64_t offset)> OnPlace;
     /// An error that could be passed over; without a handler it is raised. `message` is complete.
     std::function<void(TReader&, std::string_view message, bool& handled)> OnError;
     /// A class by its name, before the field classes of the root and the registry are asked.
@@ -229,6 +237,18 @@ protected:
                                   std::string_view name);
     /// Properties up to the end of their list, which is left, into a new item.
     virtual void ReadItem(TCollection& collection);
+    /// Gives a property the value that the slot of its kind holds.
+    virtual void StoreProp(TPersistent& instance, const TPropInfo& prop, const void* slot);
+    /// Asked, before it is an error, about a property whose value has no place: of that path below
+    /// the instance. True when the value, which follows, has been consumed.
+    virtual bool PassOver(TPersistent& instance, std::string_view path, TNoPlace reason);
+    /// The value of the property of that name or path, which the reader has passed; see
+    /// ReadProperty.
+    void ReadNamedProperty(TPersistent& instance, std::string_view name);
+    /// What messages call an offset.
+    std::string PlaceOf(std::int64_t offset) const;
+    /// The bytes from an offset up to the reader's position. The view ends with the next read.
+    std::string_view BytesSince(std::int64_t offset);
 
 private:
     struct TFixup {
@@ -267,8 +287,12 @@ private:
     std::int32_t ReadOrdinal(const TTypeInfo& type);
     std::int32_t ReadIntegerProp(const TTypeInfo& type);
     TRawMethod ReadMethod(TPersistent& instance, const TPropInfo& prop);
+    template <class T> void Store(TPersistent& instance, const TPropInfo& prop, const T& slot) {
+        StoreProp(instance, prop, &slot);
+    }
     TVariant ReadVariant();
     void Offer(EReaderError error);
+    void Offer(std::int64_t offset, const std::string& path, std::string_view what);
 
     void SetReferences();
     void SetReference(const TFixup& fixup);

@@ -5,6 +5,7 @@
 #include "rtl/TMemoryStream.h"
 #include "rtl/TVariant.h"
 #include "rtl/Unicode.h"
+#include "rtl/UpdateOnce.h"
 #include "streaming/FormValues.h"
 #include "vcl/TComponent.h"
 
@@ -12,20 +13,6 @@
 
 namespace tarn {
 namespace {
-
-/// The bytes of a binary property, as a stream that cannot be written to.
-class TBlockStream final : public TCustomMemoryStream {
-public:
-    explicit TBlockStream(std::string_view bytes) {
-        // The stream asks for memory to write to, and never does.
-        SetPointer(const_cast<char*>(bytes.data()), static_cast<std::int64_t>(bytes.size()));
-    }
-    std::int64_t Write(const void*, std::int64_t) override { return 0; }
-};
-
-template <class T> void SetSlot(TPersistent& instance, const TPropInfo& prop, const T& slot) {
-    prop.Set(instance, &slot);
-}
 
 /// Cuts the text at its first point and returns the front; the rest may be empty.
 std::string_view TakeSegment(std::string_view& path) {
@@ -95,6 +82,11 @@ void TReader::Offer(EReaderError error) {
     throw error;
 }
 
+/// The same for an error that knew nothing of the place.
+void TReader::Offer(std::int64_t offset, const std::string& path, std::string_view what) {
+    Offer(EReaderError(offset, PlaceOf(offset), path, what, true));
+}
+
 // --- Properties -------------------------------------------------------------------------------
 
 void TReader::ReadProperties(TPersistent& instance) {
@@ -103,6 +95,10 @@ void TReader::ReadProperties(TPersistent& instance) {
 
 void TReader::ReadProperty(TPersistent& instance) {
     const std::string name = ReadStr();
+    ReadNamedProperty(instance, name);
+}
+
+void TReader::ReadNamedProperty(TPersistent& instance, std::string_view name) {
     const TPlace place(*this, name);
     const std::int64_t valueAt = Position();
     try {
@@ -112,7 +108,7 @@ void TReader::ReadProperty(TPersistent& instance) {
         Offer(error);
     } catch (const Exception& error) {
         // What a setter raises knows nothing of the place.
-        Offer(EReaderError(valueAt, FPath, error.Message(), true));
+        Offer(valueAt, FPath, error.Message());
     }
     SetPosition(valueAt);
     SkipValue();
@@ -125,14 +121,17 @@ void TReader::ReadNamedProp(TPersistent& instance, std::string_view name) {
         const std::string_view segment = TakeSegment(rest);
         const TPropInfo* const prop = object->ClassType().FindProp(segment);
         if (!prop) {
-            if (ReadDefinedProp(*object, whole)) return;
+            if (ReadDefinedProp(*object, whole) || PassOver(instance, name, npUnknown)) return;
             Fail(Format("property %s does not exist", {whole}), true);
         }
         if (rest.empty()) return ReadPropValue(*object, *prop);
         TObject* value = nullptr;
         if (prop->PropType->Kind == tkClass) prop->Get(*object, &value);
         object = ClassCast<TPersistent>(value);
-        if (!object) Fail(Format("property %s holds no object", {segment}), true);
+        if (!object) {
+            if (PassOver(instance, name, npNoObject)) return;
+            Fail(Format("property %s holds no object", {segment}), true);
+        }
     }
 }
 
@@ -154,7 +153,7 @@ void TReader::DefineBinaryProperty(std::string_view name, const TStreamProc& rea
     if (!readData) return;
     const auto readBlock = [&readData](TReader& reader) {
         reader.CheckValue(vaBinary);
-        TBlockStream stream(reader.ReadBlock());
+        TBytesStream stream(reader.ReadBlock());
         readData(stream);
     };
     DefineProperty(name, readBlock, nullptr, false);
@@ -163,33 +162,44 @@ void TReader::DefineBinaryProperty(std::string_view name, const TStreamProc& rea
 void TReader::ReadPropValue(TPersistent& instance, const TPropInfo& prop) {
     const TTypeInfo& type = *prop.PropType;
     if (type.Kind == tkClass) return ReadObjectProp(instance, prop);
-    if (!prop.Set) Fail(Format("property %s is read-only", {prop.Name}), true);
+    if (!prop.Set) {
+        if (PassOver(instance, prop.Name, npReadOnly)) return;
+        Fail(Format("property %s is read-only", {prop.Name}), true);
+    }
     switch (type.Kind) {
     case tkInteger:
     case tkChar:
     case tkWChar:
     case tkEnumeration:
-        return SetSlot(instance, prop, ReadOrdinal(type));
+        return Store(instance, prop, ReadOrdinal(type));
     case tkSet:
-        return SetSlot(instance, prop, static_cast<std::int32_t>(ReadSet(type)));
+        return Store(instance, prop, static_cast<std::int32_t>(ReadSet(type)));
     case tkInt64:
-        return SetSlot(instance, prop, ReadInt64());
+        return Store(instance, prop, ReadInt64());
     case tkFloat:
-        return SetSlot(instance, prop, ReadFloat());
+        return Store(instance, prop, ReadFloat());
     case tkString:
     case tkLString:
-        return SetSlot(instance, prop, ReadString());
+        return Store(instance, prop, ReadString());
     case tkWString:
-        return SetSlot(instance, prop, Utf16ToUtf8(ReadWideString()));
+        return Store(instance, prop, Utf16ToUtf8(ReadWideString()));
     case tkMethod:
-        return SetSlot(instance, prop, ReadMethod(instance, prop));
+        return Store(instance, prop, ReadMethod(instance, prop));
     case tkVariant:
-        return SetSlot(instance, prop, ReadVariant());
+        return Store(instance, prop, ReadVariant());
     case tkClass:
     case tkUnknown:
         break;
     }
     Fail(Format("property %s has no type that is streamed", {prop.Name}), true);
+}
+
+void TReader::StoreProp(TPersistent& instance, const TPropInfo& prop, const void* slot) {
+    prop.Set(instance, slot);
+}
+
+bool TReader::PassOver(TPersistent&, std::string_view, TNoPlace) {
+    return false;
 }
 
 std::int32_t TReader::ReadOrdinal(const TTypeInfo& type) {
@@ -218,10 +228,12 @@ std::int32_t TReader::ReadIntegerProp(const TTypeInfo& type) {
         return value;
     }
     const std::int64_t value = ReadInt64();
-    // An unsigned number of 32 bits is stored as the signed one of the same bits.
-    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
-    const std::int64_t least = type.MaxValue > most ? -most - 1 : type.MinValue;
-    if (value < least || value > type.MaxValue)
+    // A type of 32 bits takes their number with or without a sign: an unsigned one is stored as the
+    // signed one of the same bits, and in a text hexadecimal digits have no sign.
+    constexpr std::int64_t least = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
+    const bool isWhole = type.MaxValue - type.MinValue == most;
+    if (value < (isWhole ? least : type.MinValue) || value > (isWhole ? most : type.MaxValue))
         FailAt(at, Format("%d is out of the range of %s", {value, type.Name}), true);
     return static_cast<std::int32_t>(value);
 }
@@ -271,7 +283,7 @@ void TReader::ReadObjectProp(TPersistent& instance, const TPropInfo& prop) {
     if (!prop.Set) Fail(Format("property %s is read-only", {prop.Name}), true);
     if (type == vaNil) {
         ReadValue();
-        return SetSlot<TObject*>(instance, prop, nullptr);
+        return Store<TObject*>(instance, prop, nullptr);
     }
     std::string name = ReadIdent();
     FFixups.push_back({&instance, &prop, Root(), LookupRoot(), std::move(name), FPath, at});
@@ -279,7 +291,7 @@ void TReader::ReadObjectProp(TPersistent& instance, const TPropInfo& prop) {
 
 void TReader::ReadCollection(TCollection& collection) {
     const TNesting nesting(*this);
-    collection.ChangeItems([&] {
+    UpdateOnce(collection, [&] {
         collection.Clear();
         for (int index = 0; !EndOfList(); ++index) {
             const TPlace place(*this, index);
@@ -325,11 +337,11 @@ void TReader::SetReference(const TFixup& fixup) {
     else if (wanted && !component->InheritsFrom(*wanted))
         what = Format("%s is a %s, not a %s", {fixup.Name, component->ClassName(), wanted->Name});
     try {
-        if (what.empty()) return SetSlot<TObject*>(*instance, *fixup.Prop, component);
+        if (what.empty()) return Store<TObject*>(*instance, *fixup.Prop, component);
     } catch (const Exception& error) {
         what = error.Message();
     }
-    Offer(EReaderError(fixup.Offset, fixup.Path, what, true));
+    Offer(fixup.Offset, fixup.Path, what);
 }
 
 TComponent* TReader::FindReference(std::string_view name) {
@@ -469,7 +481,7 @@ void TReader::GiveName(TComponent& component, const THead& head) {
     try {
         SetName(component, name);
     } catch (const EComponentError& error) {
-        Offer(EReaderError(head.At, FPath, error.Message(), true));
+        Offer(head.At, FPath, error.Message());
     }
 }
 

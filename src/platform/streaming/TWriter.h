@@ -103,12 +103,16 @@ protected:
     const std::string& PropPath() const { return FPropPath; }
     void SetPropPath(std::string value) { FPropPath = std::move(value); }
     void WritePropName(std::string_view name);
+    /// Parts of a stream as they were read.
+    void WriteRaw(std::string_view bytes) { PutBytes(bytes); }
     /// Whether a property is to be stored: it can be read back, the object says so, and it differs
     /// from the ancestor's or, without an ancestor, from its default. What has no default is always
     /// stored.
     virtual bool IsStoredProp(TPersistent& instance, const TPropInfo& prop);
     /// The value of a property of any kind but tkClass.
     virtual void WritePropValue(TPersistent& instance, const TPropInfo& prop);
+    /// The items of a collection.
+    virtual void WriteItems(TCollection& collection);
     /// An item of a collection: list begin, properties, list end.
     virtual void WriteItem(TPersistent& item);
     /// The name by which a component is referred to from the lookup root; empty when it has none.

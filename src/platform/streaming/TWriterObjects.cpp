@@ -217,9 +217,13 @@ void TWriter::WriteCollection(TCollection& collection) {
     TPersistent* const outer = Ancestor();
     SetAncestor(nullptr);
     WriteValue(vaCollection);
-    for (int i = 0; i < collection.Count(); ++i) WriteItem(*collection.Items(i));
+    WriteItems(collection);
     WriteListEnd();
     SetAncestor(outer);
+}
+
+void TWriter::WriteItems(TCollection& collection) {
+    for (int i = 0; i < collection.Count(); ++i) WriteItem(*collection.Items(i));
 }
 
 void TWriter::WriteItem(TPersistent& item) {
