@@ -1,8 +1,9 @@
 #include "rtl/SafeFile.h"
 
+#include "rtl/DateUtils.h"
+
 #include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
 #include <filesystem>
 #include <limits>
 #include <new>
@@ -50,6 +51,10 @@ struct TTask {
         }
     }
 
+    void Require(int error) const {
+        if (error) FailWith(error);
+    }
+
     void RequireFile(mode_t mode) const {
         if (S_ISDIR(mode)) FailWith(EISDIR);
         if (!S_ISREG(mode)) Fail(feNotAFile, "not a regular file");
@@ -57,169 +62,52 @@ struct TTask {
 };
 
 /// An open file, closed at the end of its scope.
-class TDescriptor {
+class TOpenFile {
 public:
-    TDescriptor() = default;
-    TDescriptor(const std::string& path, int flags, mode_t mode = 0)
-        : FNumber(::open(path.c_str(), flags | O_CLOEXEC, mode)) {}
-    TDescriptor& operator=(TDescriptor&& other) noexcept {
-        std::swap(FNumber, other.FNumber);
-        return *this;
-    }
-    ~TDescriptor() { Close(); }
+    TOpenFile() = default;
+    TOpenFile(const TOpenFile&) = delete;
+    TOpenFile& operator=(const TOpenFile&) = delete;
+    ~TOpenFile() { Close(); }
 
-    bool IsOpen() const { return FNumber >= 0; }
-    int Number() const { return FNumber; }
-    bool Close() { return !IsOpen() || ::close(std::exchange(FNumber, -1)) == 0; }
+    int OpenToRead(const std::string& path) { return FileSystem().OpenToRead(path, FHandle); }
+    int Create(const std::string& path, mode_t mode) {
+        return FileSystem().Create(path, mode, FHandle);
+    }
+    THandle Handle() const { return FHandle; }
+    int Close() {
+        return FHandle == NoHandle ? 0 : FileSystem().Close(std::exchange(FHandle, NoHandle));
+    }
 
 private:
-    int FNumber = -1;
+    THandle FHandle = NoHandle;
 };
 
-TFileIdentity IdentityFrom(const struct stat& status) {
-    return {.Device = status.st_dev,
-            .Inode = status.st_ino,
-            .Size = static_cast<std::uint64_t>(status.st_size),
-            .ModifiedAtNs = static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 +
-                            status.st_mtim.tv_nsec};
-}
-
-struct stat StatusOf(const TDescriptor& file, const TTask& task) {
-    struct stat status {};
-    if (::fstat(file.Number(), &status) != 0) task.FailWith(errno);
+TFileStatus StatusOf(const TOpenFile& file, const TTask& task) {
+    TFileStatus status;
+    task.Require(FileSystem().StatusOf(file.Handle(), status));
     return status;
 }
 
-/// Calls transfer(), a read or a write, until no signal gets in its way.
-template <typename TTransfer> std::size_t Transfer(const TTask& task, TTransfer transfer) {
-    ssize_t count = 0;
-    do count = transfer();
-    while (count < 0 && errno == EINTR);
-    if (count < 0) task.FailWith(errno);
-    return static_cast<std::size_t>(count);
-}
-
 /// Reads up to `count` bytes, fewer only at the end of the file.
-std::size_t ReadUpTo(const TDescriptor& file, char* to, std::size_t count, const TTask& task) {
+std::size_t ReadUpTo(const TOpenFile& file, char* to, std::size_t count, const TTask& task) {
     std::size_t done = 0;
     while (done < count) {
-        const std::size_t got =
-            Transfer(task, [&] { return ::read(file.Number(), to + done, count - done); });
+        std::size_t got = count - done;
+        task.Require(FileSystem().Read(file.Handle(), to + done, got));
         if (got == 0) break;
         done += got;
     }
     return done;
 }
 
-void WriteAll(const TDescriptor& file, std::string_view bytes, const TTask& task) {
-    while (!bytes.empty())
-        bytes.remove_prefix(
-            Transfer(task, [&] { return ::write(file.Number(), bytes.data(), bytes.size()); }));
-}
-
-/// Follows symbolic links, those to nothing too, to the file that is meant.
-std::string TargetOf(const TTask& task) {
-    constexpr int maxLinks = 40; // the system's own bound
-    fs::path target = task.Path;
-    std::error_code error;
-    for (int links = 0; fs::is_symlink(fs::symlink_status(target, error)); ++links) {
-        if (links == maxLinks) task.FailWith(ELOOP);
-        target = target.parent_path() / fs::read_symlink(target, error);
-        if (error) task.FailWith(error.value());
-    }
-    return target.string();
-}
-
-/// What stands at a path; none if nothing does.
-std::optional<struct stat> StatusAt(const std::string& path, const TTask& task) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) == 0) return status;
-    if (errno != ENOENT) task.FailWith(errno);
-    return std::nullopt;
-}
-
-/// A new file in a folder, removed at the end of its scope unless it got its place.
-class TNewFile {
-public:
-    TNewFile(const fs::path& folder, mode_t mode, const TTask& task) {
-        int number = 0;
-        do {
-            const std::string unique = std::to_string(::getpid()) + "-" + std::to_string(number++);
-            FPath = (folder / (".tarn-" + unique + ".tmp")).string();
-            FFile = TDescriptor(FPath, O_WRONLY | O_CREAT | O_EXCL, mode);
-        } while (!FFile.IsOpen() && errno == EEXIST);
-        if (!FFile.IsOpen()) task.FailWith(errno);
-    }
-    TNewFile(const TNewFile&) = delete;
-    TNewFile& operator=(const TNewFile&) = delete;
-    ~TNewFile() {
-        if (!FPath.empty()) ::unlink(FPath.c_str());
-    }
-
-    const TDescriptor& File() const { return FFile; }
-
-    /// Some file systems report a failed write only when the file is closed.
-    void Flush(const TTask& task) {
-        if (::fsync(FFile.Number()) != 0 || !FFile.Close()) task.FailWith(errno);
-    }
-    void MoveTo(const std::string& target, const TTask& task) {
-        if (::rename(FPath.c_str(), target.c_str()) != 0) task.FailWith(errno);
-        FPath.clear();
-    }
-
-private:
-    std::string FPath;
-    TDescriptor FFile;
-};
-
-/// An old file may be replaced where it could have been written to: renaming asks for the rights
-/// of the folder only.
-void RequireWritable(const std::string& target, const struct stat& old, const TTask& task) {
-    task.RequireFile(old.st_mode);
-    if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) task.FailWith(errno);
-}
-
-void RequireUnchanged(const std::string& target, const std::optional<TFileIdentity>& expected,
-                      const TTask& task) {
-    if (!expected) return;
-    const auto status = StatusAt(target, task);
-    if (!status || IdentityFrom(*status) != *expected)
-        throw EFileError(feChangedOnDisk, task.Path,
-                         task.Path + " changed on disk since it was read");
-}
-
-/// Gives a new file the owner, group and permissions of the old one. Where owner or group cannot
-/// be had, nobody gets a right that he did not have.
-void KeepPermissions(const TDescriptor& file, const struct stat& old, const TTask& task) {
-    constexpr auto sameOwner = static_cast<uid_t>(-1);
-    mode_t mode = old.st_mode & 07777;
-    if (::fchown(file.Number(), old.st_uid, old.st_gid) != 0) {
-        mode &= static_cast<mode_t>(~(S_ISUID | S_ISGID));
-        if (::fchown(file.Number(), sameOwner, old.st_gid) != 0)
-            mode = (mode & static_cast<mode_t>(~S_IRWXG)) | ((mode & S_IRWXO) << 3);
-    }
-    if (::fchmod(file.Number(), mode) != 0) task.FailWith(errno);
-}
-
-/// Makes a rename in the folder last through a power cut. The new file has its name by now, so a
-/// folder that cannot be flushed (not readable, or on a network) is no error any more.
-void FlushFolder(const fs::path& folder) {
-    const TDescriptor file(folder.empty() ? "." : folder.string(), O_RDONLY | O_DIRECTORY);
-    if (file.IsOpen()) ::fsync(file.Number());
-}
-
-} // namespace
-
-TFileIdentity LoadFileInto(std::string_view path, std::size_t limit,
-                           const std::function<char*(std::size_t)>& reserve) {
-    const TTask task("read", path);
-    // Opening a pipe would wait for its writer.
-    const TDescriptor file(task.Path, O_RDONLY | O_NONBLOCK);
-    if (!file.IsOpen()) task.FailWith(errno);
-    const struct stat status = StatusOf(file, task);
-    task.RequireFile(status.st_mode);
-    const TFileIdentity identity = IdentityFrom(status);
-    const std::uint64_t size = identity.Size;
+/// Reads a whole file, see LoadFileInto.
+TFileStatus ReadFile(const TTask& task, std::size_t limit,
+                     const std::function<char*(std::size_t)>& reserve) {
+    TOpenFile file;
+    task.Require(file.OpenToRead(task.Path));
+    const TFileStatus status = StatusOf(file, task);
+    task.RequireFile(status.Mode);
+    const std::uint64_t size = status.Identity.Size;
     if (size > limit)
         task.Fail(feTooLarge, std::to_string(size) + " bytes, more than the " +
                                   std::to_string(limit) + " allowed");
@@ -230,47 +118,250 @@ TFileIdentity LoadFileInto(std::string_view path, std::size_t limit,
         task.Fail(feTooLarge, std::to_string(size) + " bytes do not fit into memory");
     }
     const std::size_t got = ReadUpTo(file, room, size + 1, task);
-    if (got != size || IdentityFrom(StatusOf(file, task)) != identity)
+    if (got != size || StatusOf(file, task).Identity != status.Identity)
         task.Fail(feChangedWhileRead, "changed while being read");
-    return identity;
+    return status;
 }
 
-std::string LoadFileText(std::string_view path) {
-    std::string text;
+TFileStatus ReadText(const TTask& task, std::string& text) {
     const auto reserve = [&text](std::size_t size) {
         text.resize(size);
         return text.data();
     };
-    const TFileIdentity identity =
-        LoadFileInto(path, std::numeric_limits<std::ptrdiff_t>::max() - 1, reserve);
-    text.resize(identity.Size);
+    const TFileStatus status =
+        ReadFile(task, std::numeric_limits<std::ptrdiff_t>::max() - 1, reserve);
+    text.resize(status.Identity.Size);
+    return status;
+}
+
+void WriteAll(const TOpenFile& file, std::string_view bytes, const TTask& task) {
+    while (!bytes.empty()) {
+        std::size_t put = bytes.size();
+        task.Require(FileSystem().Write(file.Handle(), bytes.data(), put));
+        bytes.remove_prefix(put);
+    }
+}
+
+/// Whether the error says that there is no file of the name.
+bool IsMissing(int error) {
+    return error == ENOENT || error == ENOTDIR;
+}
+
+/// Follows symbolic links, those to nothing too, to the file that is meant.
+std::string TargetOf(const TTask& task) {
+    constexpr int maxLinks = 40; // the system's own bound
+    fs::path target = task.Path;
+    for (int links = 0;; ++links) {
+        std::string next;
+        const int error = FileSystem().ReadLink(target.string(), next);
+        if (error == EINVAL || IsMissing(error)) return target.string();
+        task.Require(error);
+        if (links == maxLinks) task.FailWith(ELOOP);
+        target = target.parent_path() / next;
+    }
+}
+
+/// What stands at a path; none if nothing does.
+std::optional<TFileStatus> StatusAt(const std::string& path, const TTask& task) {
+    TFileStatus status;
+    const int error = FileSystem().StatusAt(path, status);
+    if (IsMissing(error)) return std::nullopt;
+    task.Require(error);
+    return status;
+}
+
+/// A new name in a folder, removed at the end of its scope unless it is to stay.
+class TNewName {
+public:
+    TNewName() = default;
+    TNewName(const TNewName&) = delete;
+    TNewName& operator=(const TNewName&) = delete;
+    ~TNewName() {
+        if (!FPath.empty()) FileSystem().Remove(FPath);
+    }
+
+    /// Takes the first name that is free: `nameOf` gives the names, counted from 0, and `take`
+    /// makes a file of one, with EEXIST when it is taken. Returns the last error of that.
+    template <class TNameOf, class TTake> int TakeFree(const TNameOf& nameOf, const TTake& take) {
+        for (int number = 0;; ++number) {
+            std::string path = nameOf(number);
+            const int error = take(path);
+            if (error == EEXIST) continue;
+            if (error == 0) FPath = std::move(path);
+            return error;
+        }
+    }
+    const std::string& Path() const { return FPath; }
+    /// It stays, or is no longer there.
+    std::string Release() { return std::exchange(FPath, {}); }
+
+private:
+    std::string FPath;
+};
+
+/// A new file in a folder, removed at the end of its scope unless it got its place.
+class TNewFile {
+public:
+    TNewFile(const fs::path& folder, mode_t mode, const TTask& task) {
+        const auto nameOf = [&folder](int number) {
+            const std::string unique = std::to_string(::getpid()) + "-" + std::to_string(number);
+            return (folder / (".tarn-" + unique + ".tmp")).string();
+        };
+        task.Require(FName.TakeFree(
+            nameOf, [&](const std::string& path) { return FFile.Create(path, mode); }));
+    }
+
+    const TOpenFile& File() const { return FFile; }
+
+    /// Some file systems report a failed write only when the file is closed.
+    void Flush(const TTask& task) {
+        task.Require(FileSystem().Flush(FFile.Handle()));
+        task.Require(FFile.Close());
+    }
+    void MoveTo(const std::string& target, const TTask& task) {
+        task.Require(FileSystem().Rename(FName.Path(), target));
+        FName.Release();
+    }
+
+private:
+    TNewName FName;
+    TOpenFile FFile;
+};
+
+/// An old file may be replaced or deleted where it could have been written to: the system
+/// asks for the rights of the folder only.
+void RequireWritable(const std::string& target, const TFileStatus& old, const TTask& task) {
+    task.RequireFile(old.Mode);
+    task.Require(FileSystem().CheckWritable(target));
+}
+
+void RequireUnchanged(const std::string& target, const std::optional<TFileIdentity>& expected,
+                      const TTask& task) {
+    if (!expected) return;
+    const auto status = StatusAt(target, task);
+    if (!status || status->Identity != *expected)
+        throw EFileError(feChangedOnDisk, task.Path,
+                         task.Path + " changed on disk since it was read");
+}
+
+/// Gives a new file the owner, group and permissions of the old one. Where owner or group cannot
+/// be had, nobody gets a right that he did not have.
+void KeepPermissions(const TOpenFile& file, const TFileStatus& old, const TTask& task) {
+    mode_t mode = old.Mode & 07777;
+    if (FileSystem().SetOwner(file.Handle(), old.Owner, old.Group) != 0) {
+        mode &= static_cast<mode_t>(~(S_ISUID | S_ISGID));
+        if (FileSystem().SetOwner(file.Handle(), IFileSystem::KeepOwner, old.Group) != 0)
+            mode = (mode & static_cast<mode_t>(~S_IRWXG)) | ((mode & S_IRWXO) << 3);
+    }
+    task.Require(FileSystem().SetPermissions(file.Handle(), mode));
+}
+
+/// Makes new and removed names in the folder of a file last through a power cut.
+int FlushFolderOf(const std::string& path) {
+    const fs::path folder = fs::path(path).parent_path();
+    return FileSystem().FlushFolder(folder.empty() ? "." : folder.string());
+}
+
+/// What is in a file need not be on disk yet. One that may not be read cannot be flushed either.
+void FlushContents(const std::string& path, const TTask& task) {
+    TOpenFile file;
+    const int error = file.OpenToRead(path);
+    if (error == EACCES || error == EPERM) return;
+    task.Require(error);
+    task.Require(FileSystem().Flush(file.Handle()));
+}
+
+/// Copies the file of the task to the first free name of those that `nameOf` gives.
+template <class TNameOf>
+void CopyToFreeName(TNewName& name, const TNameOf& nameOf, const TTask& task) {
+    std::string text;
+    const TFileStatus status = ReadText(task, text);
+    TNewFile copy(fs::path(task.Path).parent_path(), 0600, task);
+    WriteAll(copy.File(), text, task);
+    KeepPermissions(copy.File(), status, task);
+    copy.Flush(task);
+    // Moving a file takes a name whether it is free or not, so that it is reserved before.
+    task.Require(name.TakeFree(nameOf, [](const std::string& path) {
+        TOpenFile reserved;
+        return reserved.Create(path, 0600);
+    }));
+    copy.MoveTo(name.Path(), task);
+}
+
+} // namespace
+
+TFileIdentity LoadFileInto(std::string_view path, std::size_t limit,
+                           const std::function<char*(std::size_t)>& reserve) {
+    return ReadFile(TTask("read", path), limit, reserve).Identity;
+}
+
+std::string LoadFileText(std::string_view path) {
+    std::string text;
+    ReadText(TTask("read", path), text);
     return text;
 }
 
 std::optional<TFileIdentity> IdentityOf(std::string_view path) {
-    struct stat status {};
-    if (::stat(std::string(path).c_str(), &status) != 0) return std::nullopt;
-    return IdentityFrom(status);
+    TFileStatus status;
+    if (FileSystem().StatusAt(std::string(path), status) != 0) return std::nullopt;
+    return status.Identity;
 }
 
 TFileIdentity SaveFile(std::string_view path, std::span<const std::string_view> chunks,
                        const std::optional<TFileIdentity>& expected) {
     const TTask task("write", path);
     const std::string target = TargetOf(task);
-    const fs::path folder = fs::path(target).parent_path();
     const auto old = StatusAt(target, task);
     if (old) RequireWritable(target, *old, task);
     RequireUnchanged(target, expected, task); // before a long write in vain
 
-    TNewFile newFile(folder, old ? 0600 : 0666, task);
+    TNewFile newFile(fs::path(target).parent_path(), old ? 0600 : 0666, task);
     for (const std::string_view chunk : chunks) WriteAll(newFile.File(), chunk, task);
     if (old) KeepPermissions(newFile.File(), *old, task);
-    const TFileIdentity identity = IdentityFrom(StatusOf(newFile.File(), task));
+    const TFileIdentity identity = StatusOf(newFile.File(), task).Identity;
     newFile.Flush(task);
     RequireUnchanged(target, expected, task);
     newFile.MoveTo(target, task);
-    FlushFolder(folder);
+    FlushFolderOf(target); // the new file has its name by now: a failure is no error any more
     return identity;
+}
+
+bool RemoveFile(std::string_view path) {
+    const TTask task("delete", path);
+    const std::string target = TargetOf(task);
+    const auto old = StatusAt(target, task);
+    if (!old) return false;
+    task.RequireFile(old->Mode);
+    int error = FileSystem().CheckWritable(target); // see RequireWritable
+    if (!error) error = FileSystem().Remove(target);
+    if (IsMissing(error)) return false; // somebody was faster
+    task.Require(error);
+    FlushFolderOf(target); // the file is gone by now: a failure is no error any more
+    return true;
+}
+
+std::string KeepBeside(std::string_view path) {
+    const TTask task("keep a copy of", path);
+    const std::string target = TargetOf(task);
+    const auto old = StatusAt(target, task);
+    if (!old) task.FailWith(ENOENT);
+    task.RequireFile(old->Mode);
+    FlushContents(target, task);
+
+    const fs::path file = task.Path;
+    const std::string date = FormatDateTime("yyyy-mm-dd-hhnnss", Now());
+    const auto nameOf = [&](int number) {
+        const std::string count = number ? "-" + std::to_string(number + 1) : "";
+        const std::string name = file.stem().string() + "-" + date + count;
+        return (file.parent_path() / (name + file.extension().string())).string();
+    };
+    TNewName name;
+    if (name.TakeFree(nameOf, [&](const std::string& newPath) {
+            return FileSystem().Link(target, newPath);
+        }) != 0)
+        CopyToFreeName(name, nameOf, task); // fails, too, where not only links are impossible
+    task.Require(FlushFolderOf(name.Path()));
+    return name.Release();
 }
 
 } // namespace tarn

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rtl/FileSystem.h"
 #include "rtl/SysUtils.h"
 
 #include <cstddef>
@@ -41,17 +42,6 @@ private:
     std::string FPath;
 };
 
-/// Which file, in which state: differs as soon as another file has the name or the file has been
-/// written to.
-struct TFileIdentity {
-    std::uint64_t Device = 0;
-    std::uint64_t Inode = 0;
-    std::uint64_t Size = 0;        // bytes
-    std::int64_t ModifiedAtNs = 0; // nanoseconds since 1970
-
-    bool operator==(const TFileIdentity&) const = default;
-};
-
 /// Reads a whole file of at most `limit` bytes into the room that `reserve` gives for that many
 /// bytes; the bytes that were read are the size of the identity.
 /// Raises EFileError, of every kind but feChangedOnDisk.
@@ -74,7 +64,9 @@ std::optional<TFileIdentity> IdentityOf(std::string_view path);
 /// `expected` is the identity under which the file was read. If the file is another by now,
 /// EFileError "FILE changed on disk since it was read" of kind feChangedOnDisk. With none
 /// whatever stands there is replaced.
-/// Raises EFileError; then nothing has been touched.
+/// Raises EFileError; then nothing has been touched. What a power cut can leave behind is a hidden
+/// ".tarn-PID-NUMBER.tmp" beside the file. It is in nobody's way and stays: whether its process is
+/// still at work cannot be told for one of another machine or container.
 TFileIdentity SaveFile(std::string_view path, std::span<const std::string_view> chunks,
                        const std::optional<TFileIdentity>& expected = {});
 
@@ -82,5 +74,25 @@ TFileIdentity SaveFile(std::string_view path, std::span<const std::string_view> 
 inline void SaveFileText(std::string_view path, std::string_view text) {
     SaveFile(path, std::span(&text, 1));
 }
+
+/// Deletes a file for good: where its folder can be flushed, no power cut brings it back. False
+/// when there was none. Of a symbolic link the file that it leads to is deleted; the link stays,
+/// leads to nothing and lets the next save make the file in its old place. A file that one may not
+/// write to is not deleted either. Raises EFileError; then the file is still there.
+bool RemoveFile(std::string_view path);
+
+/// Keeps the present contents of a file under a dated name beside it and returns that name: for
+/// ".../ExpData.spc" it is ".../ExpData-2026-11-21-183045.spc", the local time, with "-2", "-3" ...
+/// behind the time when it is taken. The file itself stays where it is. When this returns, contents
+/// and name are safely on disk, whatever SaveFile or RemoveFile then do to the file; only contents
+/// that this process may not read it cannot flush.
+///
+/// Beside a symbolic link, not beside what it leads to: where the user looks for the file. The
+/// dated name is a hard link where one can be made, so that a full disk or a file that cannot be
+/// read is no hindrance; a program that writes into the file in place changes both then. Else it
+/// is a copy, with the permissions of the file or fewer; a power cut can leave it empty while the
+/// file still has its contents.
+/// Raises EFileError, of kind feMissing when there is no file; then there is no new name.
+std::string KeepBeside(std::string_view path);
 
 } // namespace tarn
