@@ -5,9 +5,8 @@
 #include "qsErrorLog.h"
 #include "qsExpMng.h"
 #include "qsLocale.h"
+#include "rtl/SafeFile.h"
 #include "vcl/Forms.h"
-
-#include <filesystem>
 
 namespace tarn {
 namespace {
@@ -56,6 +55,9 @@ void TExpManager::InitExperts() {
     const auto getItemData = TGetItemData::Of<&TExpManager::GetItemData>(this);
     ForEachExpert([&](ICustomExpert& expert) { expert.Init(getItemData); });
     Init(getItemData);
+    // What stands there now is the language's; a stored one is loaded over it.
+    const TExpMenuData& menu = ExpData().MenuData;
+    for (int i = 0; i < menu.Count(); ++i) menu.Get(i)->DefaultCaption = menu.Get(i)->Caption;
 }
 
 void TExpManager::LoadNotify(bool loaded) {
@@ -128,9 +130,7 @@ void TExpManager::LoadDefaultSettings(TObject*) {
     const TIntf<IOTAWizard> alive(this);
     if (!QueryDialog(LocaleStr(51106)) || FState == msDown) return;
     const THourGlass hourGlass;
-    std::error_code error;
-    std::filesystem::remove(SettingsFile(), error);
-    if (error) throw Exception(Format("cannot delete %s: %s", {SettingsFile(), error.message()}));
+    RemoveFile(SettingsFile());
     RecreateExperts();
     LoadNotify(false);
     DoApplySettings();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ExpDataFile.h"
 #include "qsErrorLog.h"
 
 #include <exception>
@@ -22,11 +23,11 @@ void WriteLanguageSettings(TExpManager& manager);
 struct TExpManagerSlots {
     /// Loads the settings tree from an existing file that is not empty, all or nothing; false when
     /// the file could not be read.
-    std::function<bool(TExpData& data, const std::string& fileName)> LoadExpData;
-    std::function<void(TExpData& data, const std::string& fileName)> SaveExpData;
+    std::function<bool(TExpData& data, const std::string& fileName)> LoadExpData = ReadExpDataFile;
+    std::function<void(TExpData& data, const std::string& fileName)> SaveExpData = WriteExpDataFile;
     /// Gives the settings editor the routine that writes a settings object to a file; called when
     /// the package is initialized.
-    std::function<void()> InstallSaveRoutine;
+    std::function<void()> InstallSaveRoutine = InstallSaveSpcRoutine;
 
     /// Where the language settings come from at the start and go to at the end: the registry.
     std::function<void(TExpManager& manager)> ProcessLocalization = ReadLanguageSettings;

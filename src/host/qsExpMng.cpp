@@ -49,6 +49,7 @@ void FinalizeExpMng() {
     if (!Package().Counter.Leave()) return;
     FreeExpertRegistry();
     FreeExpData();
+    ForgetExpDataFiles();
     FreeLocale();
     Package().Dir.clear();
     Package().SettingsName.clear();

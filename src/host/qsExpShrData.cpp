@@ -11,20 +11,27 @@ namespace tarn {
 
 namespace {
 
+/// Whether a caption is not that of the current language.
+template <class T> bool HasOwnCaption(const TObject& item) {
+    return static_cast<const T&>(item).HasOwnCaption();
+}
+
 constexpr TPropInfo ExpertInfoProps[] = {
-    Published<&TExpertInfo::ExpertNodeName>("ExpertNodeName"),
+    Published<&TExpertInfo::ShownName>("ExpertNodeName"),
     Published<&TExpertInfo::ExpertName>("ExpertName"),
     Published<&TExpertInfo::Active>("Active", {.Default = true}),
 };
 constexpr TPropInfo ExpMenuItemDataProps[] = {
     Published<&TExpMenuItemData::ItemID>("ItemID"),
-    Published<&TExpMenuItemData::Caption>("Caption"),
+    Published<&TExpMenuItemData::Caption>("Caption", {.IsStored = HasOwnCaption<TExpMenuItemData>}),
     Published<&TExpMenuItemData::ImageIndex>("ImageIndex", {.Default = -1}),
     Published<&TExpMenuItemData::HaveLineBefore>("HaveLineBefore", {.Default = false}),
     Published<&TExpMenuItemData::ShortCutText>("ShortCutText"),
 };
 constexpr TPropInfo CustomDataItemProps[] = {
-    Published<&TCustomDataItem::Caption>("Caption"),
+    Published<&TCustomDataItem::Caption>("Caption", {.IsStored = HasOwnCaption<TCustomDataItem>}),
+    // Again, for its place behind the caption.
+    Published<&TWrapperItem::NestedObject, &TWrapperItem::SetNestedObject>("NestedObject"),
 };
 constexpr TPropInfo EditorFormDataProps[] = {
     Published<&TEditorFormData::AutoSaveSetting>("AutoSaveSetting", {.Default = true}),
@@ -115,6 +122,7 @@ void TExpMenuItemData::Assign(const TPersistent* source) {
     }
     ItemID = data->ItemID;
     Caption = data->Caption;
+    DefaultCaption = data->DefaultCaption;
 }
 
 std::vector<TWeak<TExpMenuItemData>>& ExpMenuItems() {
@@ -128,12 +136,10 @@ void TCustomData::Assign(const TPersistent* source) {
         TFreeCollection::Assign(source);
         return;
     }
-    if (data == this) return;
-    Clear();
-    for (int i = 0; i < data->Count(); ++i) {
-        const TCustomDataItem& item = *data->Get(i);
-        auto* const copy = static_cast<TCustomDataItem*>(Add(item.NestedObject(), item.AObjectID));
-        copy->Caption = item.Caption;
+    TFreeCollection::Assign(source);
+    for (int i = 0; i < Count(); ++i) {
+        Get(i)->Caption = data->Get(i)->Caption;
+        Get(i)->DefaultCaption = data->Get(i)->DefaultCaption;
     }
 }
 
@@ -152,6 +158,13 @@ void TExpData::Assign(const TPersistent* source) {
     ActiveExperts.Assign(&data->ActiveExperts);
     CustomData.Assign(&data->CustomData);
     MenuData.Assign(&data->MenuData);
+}
+
+void TExpData::DefineProperties(TFiler& filer) {
+    TSpcObject::DefineProperties(filer);
+    DefineKeyedCollection(filer, "ActiveExperts_", ActiveExperts, false);
+    DefineKeyedCollection(filer, "MenuData_", MenuData, false);
+    DefineKeyedCollection(filer, "CustomData_", CustomData, true);
 }
 
 namespace {
@@ -186,7 +199,7 @@ void AddStoredData(TPersistent* obj, std::string_view name, std::string_view cap
                    std::string_view localPropNames) {
     TExpData& data = ExpData();
     auto* const item = static_cast<TCustomDataItem*>(data.CustomData.Add(obj, name));
-    item->Caption = caption.empty() ? name : caption;
+    item->Caption = item->DefaultCaption = caption.empty() ? name : caption;
     if (localPropNames.empty()) return;
     data.LocalNames.insert(0, std::string(localPropNames).append(LineBreak));
 }

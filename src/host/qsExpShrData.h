@@ -21,10 +21,11 @@ public:
     static const TClassRecord ClassRecord;
     const TClassRecord& ClassType() const override { return ClassRecord; }
 
-    std::string ExpertNodeName; ///< what the user reads; not editable
+    std::string ExpertNodeName; ///< what the user reads; stored ones never replace it
     std::string ExpertName;     ///< the registered name; the key
     bool Active = true;         ///< whether the expert is constructed
 
+    const std::string& ShownName() const { return ExpertNodeName; }
     std::string GetNodeName() override { return ExpertNodeName; }
     void Assign(const TPersistent* source) override;
 };
@@ -61,8 +62,13 @@ public:
     // Set by the expert in its Init; not stored.
     TNotifyEvent OnExecute;
     TNotifyEvent OnUpdate;
+    /// The caption of the current language. Only another one is stored, so that a change of the
+    /// language shows.
+    std::string DefaultCaption;
 
+    bool HasOwnCaption() const { return Caption != DefaultCaption; }
     std::string GetNodeName() override { return Caption; }
+    void PutAbsent(const TPutText& put) override { put("Caption", DefaultCaption); }
     /// Copies the identifier and the caption only.
     void Assign(const TPersistent* source) override;
 };
@@ -93,8 +99,11 @@ public:
     const TClassRecord& ClassType() const override { return ClassRecord; }
 
     std::string Caption;
+    std::string DefaultCaption; ///< as for menu commands
 
+    bool HasOwnCaption() const { return Caption != DefaultCaption; }
     std::string GetNodeName() override { return Caption; }
+    void PutAbsent(const TPutText& put) override { put("Caption", DefaultCaption); }
 };
 
 class TCustomData : public TFreeCollection {
@@ -126,6 +135,10 @@ public:
 
     std::string GetNodeName() override;
     void Assign(const TPersistent* source) override;
+
+protected:
+    /// The collections are stored as blocks: "ActiveExperts_", "MenuData_" and "CustomData_".
+    void DefineProperties(TFiler& filer) override;
 };
 
 /// The shared settings object. It exists from the package's initialization to its finalization.

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "TCustomSpcObject.h"
 #include "rtl/TCollection.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -45,13 +47,16 @@ public:
 };
 
 /// The base of settings objects: a node of the settings tree.
-class TSpcObject : public TUncounted<TPersistent, INodeInfo> {
+class TSpcObject : public TUncounted<TCustomSpcObject, INodeInfo> {
 public:
     static const TClassRecord ClassRecord;
     const TClassRecord& ClassType() const override { return ClassRecord; }
 
     std::string GetNodeName() override { return {}; }
     bool NeedsTranslate() override { return false; }
+    /// The name under which the object stands in its parent; empty when the parent's property says
+    /// it.
+    virtual std::string GetNodePropName() const { return {}; }
 };
 
 /// An item of a settings collection: a node of its own.
@@ -63,69 +68,32 @@ public:
     std::string GetNodeName() override { return {}; }
     bool NeedsTranslate() override { return false; }
     bool NeedsIterate() override { return false; }
+    /// The name under which the item stands in its collection: its identifier.
+    virtual std::string GetNodePropName() const;
+
+    /// Gives a property of this item a value, from a text.
+    using TPutText = std::function<void(std::string_view prop, std::string_view text)>;
+    /// Told before stored properties are read into the item: puts what the absence of a property
+    /// from a file means, where that is not to leave it as it is.
+    virtual void PutAbsent(const TPutText&) {}
+
+    /// What was stored for this item and has no place in it, as it was read; saved again behind
+    /// everything else. See TFitReader.
+    std::string UnplacedProps;
 };
 
-/// A collection of settings items: a node with a node for each item below it.
-class TSpcCollection : public TUncounted<TCollection, INodeInfo> {
-public:
-    static const TClassRecord ClassRecord;
-    const TClassRecord& ClassType() const override { return ClassRecord; }
-
-    using TUncounted::TUncounted;
-
-    std::string GetNodeName() override { return {}; }
-    bool NeedsTranslate() override { return false; }
-
-    /// The string property that tells an item of this collection from the others.
-    virtual std::string GetUpdateName() const = 0;
-    /// The first item whose identifier is `id`, without case; null when there is none.
-    TSpcItem* FindItemID(std::string_view id) const;
-
-protected:
-    /// Appends an item under an identifier.
-    TSpcItem* AddItemID(std::string_view id);
+/// The kinds of nodes of a settings tree.
+enum TBaseClassIdent : std::uint8_t {
+    ciUnknown,
+    ciSpcObject,
+    ciObject,
+    ciSpcItem,
+    ciItem,
+    ciCollection,
+    ciComponent
 };
-
-/// A settings collection whose items stand in the program: stored items are merged into those that
-/// exist.
-class TFixedCollection : public TSpcCollection {
-public:
-    static const TClassRecord ClassRecord;
-    const TClassRecord& ClassType() const override { return ClassRecord; }
-
-    using TSpcCollection::TSpcCollection;
-
-    TSpcItem* Add(std::string_view objectID) { return AddItemID(objectID); }
-};
-
-/// An item that stands for an object of somebody else under an identifier.
-class TWrapperItem : public TSpcItem {
-public:
-    static const TClassRecord ClassRecord;
-    const TClassRecord& ClassType() const override { return ClassRecord; }
-
-    std::string AObjectID;
-    /// The object, owned by whoever made it; null once it is freed.
-    TPersistent* NestedObject() const { return FObject.Get(); }
-    void SetNestedObject(TPersistent* object) { FObject = object; }
-
-private:
-    TWeak<TPersistent> FObject;
-};
-
-/// A settings collection that refers to objects of any class by identifiers.
-class TFreeCollection : public TSpcCollection {
-public:
-    static const TClassRecord ClassRecord;
-    const TClassRecord& ClassType() const override { return ClassRecord; }
-
-    using TSpcCollection::TSpcCollection;
-
-    std::string GetUpdateName() const override { return "AObjectID"; }
-    /// Appends an item that refers to the object. An identifier that is there already keeps its
-    /// item and gets the new object.
-    TWrapperItem* Add(TPersistent* object, std::string_view objectID);
-    TWrapperItem* GetItem(int index) const { return static_cast<TWrapperItem*>(Items(index)); }
-};
+/// The kind of an object's node: settings classes by themselves, else the platform's class that it
+/// descends from; ciUnknown for null and for what has no published properties at all.
+TBaseClassIdent BaseClassIdent(const TObject* object);
 
 } // namespace tarn

@@ -116,6 +116,7 @@ TEST(Language, RegistryThatCannotBeOpened) {
     ide.LanguageOS.SetRegistryFile(ide.Dir.string()); // a folder
     EXPECT_EQ(ide.Running().LocaleModules, DefaultModules);
     ide.Stop();
+    std::filesystem::remove(ide.Dir / "ExpData.spc"); // the settings, which have their own file
     EXPECT_TRUE(std::filesystem::is_empty(ide.Dir));
     EXPECT_EQ(ide.LanguageOS.Dialogs().size(), 0u);
 }

@@ -1,0 +1,112 @@
+#include "ExpDataFile.h"
+
+#include "qsErrorLog.h"
+#include "qsExpShrData.h"
+#include "rtl/SafeFile.h"
+
+#include <optional>
+
+namespace tarn {
+namespace {
+
+constexpr std::string_view HeaderName = "ExpertData";
+
+/// What became of a file, as it stood then.
+struct TRefusal {
+    TFileIdentity File;
+    std::string Reason;
+};
+struct TAnswer {
+    TFileIdentity File;
+    bool Cancel;
+};
+
+struct TKnownFiles {
+    std::optional<TFileIdentity> Own; ///< read whole or written by this process
+    std::optional<TRefusal> Refused;
+    std::optional<TAnswer> Answer; ///< to the question about a later version
+};
+
+TKnownFiles& Known() {
+    static TKnownFiles files;
+    return files;
+}
+
+/// The check of the version record, whose question is not asked again for the same file.
+void CheckOnce(const TFileIdentity& file, std::string_view description, bool text, bool& cancel,
+               const std::string& fileName) {
+    std::optional<TAnswer>& answer = Known().Answer;
+    if (answer && answer->File == file) {
+        cancel = answer->Cancel;
+        return;
+    }
+    CheckVer(description, text, cancel, {fileName, true});
+    answer = TAnswer{file, cancel};
+}
+
+/// Why nobody could read a file; empty when it is a stored object at least.
+std::string FaultOf(const std::string& fileName) {
+    TObjectSaver saver;
+    saver.DetectFormat = true;
+    saver.DoBeforeReadObject = [](TPersistent&, bool& accept) { accept = false; };
+    TSpcObject any;
+    TPersistent* const object = &any;
+    std::string fault;
+    (void)saver.SafeLoadObjects({&object, 1}, fileName, &fault);
+    return fault;
+}
+
+/// Keeps the file that a save is going to replace, when its contents would be lost with it.
+void KeepForeignFile(const std::string& fileName) {
+    const std::optional<TFileIdentity> present = IdentityOf(fileName);
+    if (!present || present->Size == 0 || present == Known().Own) return;
+    const std::optional<TRefusal>& refused = Known().Refused;
+    const std::string fault =
+        refused && refused->File == *present ? refused->Reason : FaultOf(fileName);
+    if (fault.empty()) return;
+    const std::string kept = KeepBeside(fileName);
+    WriteLogEntry(nullptr, Exception(Format("%s could not be read (%s) and is kept as %s",
+                                            {fileName, fault, kept})));
+}
+
+} // namespace
+
+bool ReadExpDataFile(TExpData& data, const std::string& fileName) {
+    const std::optional<TFileIdentity> file = IdentityOf(fileName);
+    if (!file) return false;
+    TObjectSaver saver;
+    saver.DetectFormat = true;
+    saver.OnCheckDescription = [&](std::string_view description, bool text, bool& cancel) {
+        CheckOnce(*file, description, text, cancel, fileName);
+    };
+    TPersistent* const object = &data;
+    std::string fault = "of a later version, and not wanted";
+    if (saver.SafeLoadObjects({&object, 1}, fileName, &fault)) {
+        Known().Own = file;
+        Known().Refused.reset();
+        return true;
+    }
+    if (Known().Own == file) Known().Own.reset();
+    Known().Refused = TRefusal{*file, fault};
+    return false;
+}
+
+void SaveExpDataSpc(TSpcObject& spc, const std::string& fileName, TObjectStorageFormat format) {
+    KeepForeignFile(fileName);
+    SaveSpcAs(spc, fileName, format, HeaderName);
+    Known().Own = IdentityOf(fileName);
+}
+
+void WriteExpDataFile(TExpData& data, const std::string& fileName) {
+    SaveExpDataSpc(data, fileName, osfBin);
+}
+
+void InstallSaveSpcRoutine() {
+    SaveSpcProc = SaveExpDataSpc;
+}
+
+void ForgetExpDataFiles() {
+    Known() = {};
+}
+
+} // namespace tarn
