@@ -2,6 +2,7 @@
 // menu, dispatch, editor and undo.
 
 #include "Package.h"
+#include "TBenchFolder.h"
 #include "TIde.h"
 #include "bench_race.h"
 #include "block/BlockShift.h"
@@ -34,19 +35,30 @@ struct TWorld {
     std::unique_ptr<TIde> Ide;
 };
 
-/// From the package's initialization until its menu has been built from the posted message.
+/// From the package's initialization until its menu has been built from the posted message, without
+/// a settings file and with the one that the pack has saved.
 void StartUp(benchmark::State& state) {
+    const bool withFile = state.range(0) != 0;
+    const TBenchFolder folder;
     TWorld world;
+    world.OS.SetModuleFileName((folder.Path() / "package").string());
+    if (withFile) {
+        world.Ide->Packages().Load(Pack);
+        world.Ide->Packages().Unload();
+    }
     for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
+        if (std::filesystem::exists(folder.Path() / "ExpData.spc") != withFile)
+            state.SkipWithError("not the start that was meant");
         world.Ide->Packages().Load(Pack);
         world.Ide->PumpMessages();
         state.PauseTiming();
         if (!TExpManager::Instance()->TopItem()) state.SkipWithError("no menu");
         world.Ide->Packages().Unload();
+        if (!withFile) std::filesystem::remove(folder.Path() / "ExpData.spc");
         state.ResumeTiming();
     }
 }
-BENCHMARK(StartUp)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StartUp)->ArgName("settings")->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 /// Source-like lines: indents of an even number of blanks from 2, some lines blank.
 std::string SourceText(std::int64_t lines) {

@@ -1,22 +1,21 @@
 #include "TextStore/TextFile.h"
 
+#include "TFileSizeLimit.h"
+#include "TPlainUser.h"
 #include "TextStore/TEditText.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <grp.h>
 #include <map>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -26,50 +25,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
-
-/// Root may read and write everything; the tests of permissions lay that down for their time,
-/// the rights of root's groups included.
-class TPlainUser {
-public:
-    TPlainUser() : FWasRoot(::geteuid() == 0) {
-        if (!FWasRoot) return;
-        FGroups.resize(static_cast<std::size_t>(::getgroups(0, nullptr)));
-        EXPECT_GE(::getgroups(static_cast<int>(FGroups.size()), FGroups.data()), 0);
-        EXPECT_EQ(::setgroups(0, nullptr) + ::setegid(Nobody) + ::seteuid(Nobody), 0);
-    }
-    TPlainUser(const TPlainUser&) = delete;
-    TPlainUser& operator=(const TPlainUser&) = delete;
-    ~TPlainUser() {
-        if (!FWasRoot) return;
-        EXPECT_EQ(::seteuid(0) + ::setegid(0) + ::setgroups(FGroups.size(), FGroups.data()), 0);
-    }
-
-    static constexpr id_t Nobody = 65534;
-
-private:
-    bool FWasRoot;
-    std::vector<gid_t> FGroups;
-};
-
-/// Makes every write behind `bytes` of a file fail, as a full disk does.
-class TFileSizeLimit {
-public:
-    explicit TFileSizeLimit(rlim_t bytes) : FOldHandler(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &FOld);
-        const rlimit limit{bytes, FOld.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    TFileSizeLimit(const TFileSizeLimit&) = delete;
-    TFileSizeLimit& operator=(const TFileSizeLimit&) = delete;
-    ~TFileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &FOld);
-        std::signal(SIGXFSZ, FOldHandler);
-    }
-
-private:
-    void (*FOldHandler)(int);
-    rlimit FOld{};
-};
 
 class TextFile : public ::testing::Test {
 protected:
