@@ -28,7 +28,7 @@ template <class T> void TFitReader::Put(T& place, T value) {
 
 void TFitReader::StoreProp(TPersistent& instance, const TPropInfo& prop, const void* slot) {
     if (FJournal)
-        FJournal->Add(std::make_unique<TPropChange>(instance, prop, slot));
+        FJournal->AddProp(instance, prop, slot);
     else
         TReader::StoreProp(instance, prop, slot);
 }
@@ -100,50 +100,40 @@ void TFitReader::ReadAsComponent(TPersistent& object) {
 
 // --- Keyed collections ------------------------------------------------------------------------
 
-/// A keyed collection while stored items are merged into it.
+/// A keyed collection while stored items are merged into it. Most files have the items in the order
+/// in which they stand: what finds and moves others is made for the first one that does not.
 class TFitReader::TKeyedLoad {
 public:
-    struct TKeyed : TSequenceNode {
-        TSpcItem* Item = nullptr;
-    };
-
     TKeyedLoad(TSpcCollection& collection, bool keepOrder)
-        : FCollection(collection), FItems(static_cast<std::size_t>(collection.Count())) {
-        const TPropInfo& prop = collection.UpdateProp();
-        std::vector<TSequenceNode*> nodes;
-        std::string ident;
-        for (TKeyed& keyed : FItems) {
-            keyed.Item = collection.Items(static_cast<int>(nodes.size()));
-            nodes.push_back(&keyed);
-            prop.Get(*keyed.Item, &ident);
-            FByIdent.emplace(LowerCase(ident), &keyed); // of equal ones the first counts
-        }
-        if (keepOrder) FOrder.Build(nodes);
-    }
+        : FCollection(collection), FUpdateProp(collection.UpdateProp()), FKeepOrder(keepOrder) {}
 
-    TKeyed* Find(std::string_view ident) {
-        const std::string folded = LowerCase(ident);
-        if (!FCollection.UnplacedItems.empty()) FStored.insert(folded);
-        const auto found = FByIdent.find(folded);
-        return found == FByIdent.end() ? nullptr : found->second;
+    /// The index of the item of that identifier; -1 when there is none.
+    int Find(const std::string& ident) {
+        if (!FCollection.UnplacedItems.empty()) FStored.insert(LowerCase(ident));
+        int index = FLast + 1;
+        if (index >= FCollection.Count() || !SameText(IdentOf(index), ident) || !FIndexed.empty())
+            index = FindIndexed(LowerCase(ident));
+        if (index >= 0) FLast = index;
+        return index;
     }
     /// Notes that an item stood at a position of the stream.
-    void Place(TKeyed& keyed, int position) {
-        if (FOrder.Count() == 0) return;
-        const int place = std::min(position, FOrder.Count() - 1);
-        if (FOrder.IndexOf(keyed) == place) return;
-        FOrder.Remove(keyed);
-        FOrder.Insert(place, keyed);
-        FMoved = true;
+    void Place(int index, int position) {
+        const int place = std::min(position, FCollection.Count() - 1);
+        if (!FKeepOrder || (FPlaces.empty() && index == place)) return;
+        if (FPlaces.empty()) BuildOrder();
+        TPlaced& placed = FPlaces[static_cast<std::size_t>(index)];
+        if (FOrder.IndexOf(placed) == place) return;
+        FOrder.Remove(placed);
+        FOrder.Insert(place, placed);
     }
     void AddUnplaced(TUnplacedItem item) { FUnplaced.push_back(std::move(item)); }
 
-    bool IsMoved() const { return FMoved; }
+    bool IsMoved() const { return !FPlaces.empty(); }
     std::vector<TCollectionItem*> Order() const {
         std::vector<TCollectionItem*> order;
-        order.reserve(FItems.size());
-        for (const TKeyed* keyed = FOrder.First(); keyed; keyed = FOrder.Next(*keyed))
-            order.push_back(keyed->Item);
+        order.reserve(FPlaces.size());
+        for (const TPlaced* placed = FOrder.First(); placed; placed = FOrder.Next(*placed))
+            order.push_back(placed->Item);
         return order;
     }
     /// The items without a partner, together with those from former loads that the stream does not
@@ -157,11 +147,41 @@ public:
     }
 
 private:
+    struct TPlaced : TSequenceNode {
+        TSpcItem* Item = nullptr;
+    };
+
+    const std::string& IdentOf(int index) {
+        FUpdateProp.Get(*FCollection.Items(index), &FIdent);
+        return FIdent;
+    }
+    int FindIndexed(const std::string& folded) {
+        // Of equal identifiers the first counts.
+        if (FIndexed.empty())
+            for (int i = 0; i < FCollection.Count(); ++i)
+                FIndexed.emplace(LowerCase(IdentOf(i)), i);
+        const auto found = FIndexed.find(folded);
+        return found == FIndexed.end() ? -1 : found->second;
+    }
+    void BuildOrder() {
+        FPlaces = std::vector<TPlaced>(static_cast<std::size_t>(FCollection.Count()));
+        std::vector<TSequenceNode*> nodes;
+        nodes.reserve(FPlaces.size());
+        for (TPlaced& placed : FPlaces) {
+            placed.Item = FCollection.Items(static_cast<int>(nodes.size()));
+            nodes.push_back(&placed);
+        }
+        FOrder.Build(nodes);
+    }
+
     TSpcCollection& FCollection;
-    std::vector<TKeyed> FItems;
-    std::unordered_map<std::string, TKeyed*> FByIdent;
-    TSequence<TKeyed> FOrder; ///< empty when the order is not kept
-    bool FMoved = false;
+    const TPropInfo& FUpdateProp;
+    bool FKeepOrder;
+    int FLast = -1;     ///< the index of the item found last
+    std::string FIdent; ///< of the item looked at last
+    std::unordered_map<std::string, int> FIndexed;
+    std::vector<TPlaced> FPlaces; ///< by index; empty while no item has moved
+    TSequence<TPlaced> FOrder;
     std::unordered_set<std::string> FStored; ///< the identifiers in the stream
     std::vector<TUnplacedItem> FUnplaced;
 };
@@ -197,9 +217,9 @@ void TFitReader::ReadKeyed(TSpcCollection& collection, std::string_view key, boo
                 ReadListBegin();
                 const std::int64_t at = Position();
                 std::string ident = ReadIdent(key, keyFirst);
-                if (TKeyedLoad::TKeyed* const found = load.Find(ident)) {
-                    ReadKeyedItem(*found->Item, key);
-                    load.Place(*found, position);
+                if (const int found = load.Find(ident); found >= 0) {
+                    ReadKeyedItem(*collection.Items(found), key);
+                    load.Place(found, position);
                 } else {
                     while (!EndOfList()) SkipProperty();
                     load.AddUnplaced({std::move(ident), position, std::string(BytesSince(at))});
@@ -221,7 +241,7 @@ void TFitReader::ReadKeyed(TSpcCollection& collection, std::string_view key, boo
 std::string TFitReader::ReadIdent(std::string_view key, bool keyFirst) {
     const std::int64_t at = Position();
     while (!EndOfList()) {
-        if (SameText(ReadStr(), key)) {
+        if (SameText(ReadShortText(), key)) {
             std::string ident = ReadString();
             SetPosition(at);
             return ident;
@@ -233,11 +253,11 @@ std::string TFitReader::ReadIdent(std::string_view key, bool keyFirst) {
                           false);
 }
 
-std::string TFitReader::PeekName() {
+bool TFitReader::NextPropIs(std::string_view name) {
     const std::int64_t at = Position();
-    std::string name = ReadStr();
+    const bool same = SameText(ReadShortText(), name);
     SetPosition(at);
-    return name;
+    return same;
 }
 
 void TFitReader::ReadKeyedItem(TSpcItem& item, std::string_view key) {
@@ -249,12 +269,13 @@ void TFitReader::ReadKeyedItem(TSpcItem& item, std::string_view key) {
     });
     while (!EndOfList()) {
         // The program's spelling of an identifier counts.
-        if (SameText(PeekName(), key))
+        if (NextPropIs(key))
             SkipProperty();
         else
             ReadProperty(item);
     }
-    Put(item.UnplacedProps, std::move(unplaced));
+    if (!unplaced.empty() || !item.UnplacedProps.empty())
+        Put(item.UnplacedProps, std::move(unplaced));
 }
 
 void DefineKeyedCollection(TFiler& filer, std::string_view name, TSpcCollection& collection,

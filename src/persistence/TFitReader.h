@@ -75,7 +75,7 @@ private:
     void ReadKeyed(TSpcCollection& collection, std::string_view key, bool keyFirst, bool keepOrder);
     std::string ReadIdent(std::string_view key, bool keyFirst);
     void ReadKeyedItem(TSpcItem& item, std::string_view key);
-    std::string PeekName();
+    bool NextPropIs(std::string_view name);
     bool ReadNodeValue(TPersistent& node, std::string_view path);
     bool ReadNodeItem(TPersistent& node, std::string_view path);
     bool ReadPropsBelow(TPersistent& node, std::string_view prefix);

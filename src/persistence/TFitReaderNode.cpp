@@ -99,7 +99,10 @@ bool TFitReader::ReadNodeValue(TPersistent& node, std::string_view path) {
 bool TFitReader::ReadNodeItem(TPersistent& node, std::string_view path) {
     if (path.empty()) {
         if (auto* const item = ClassCast<TSpcItem>(&node)) {
-            ReadKeyedItem(*item, PeekName());
+            const std::int64_t at = Position();
+            const std::string key = EndOfList() ? std::string() : ReadStr();
+            SetPosition(at);
+            ReadKeyedItem(*item, key);
             return true;
         }
     }

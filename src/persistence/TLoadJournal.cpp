@@ -14,7 +14,7 @@ void* TPropChange::AddressOf(TSlot& slot) {
 }
 
 TPropChange::TPropChange(TPersistent& instance, const TPropInfo& prop, const void* slot)
-    : FInstance(instance), FProp(prop) {
+    : FInstance(&instance), FProp(&prop) {
     switch (prop.PropType->Kind) {
     case tkInt64:
         FValue = *static_cast<const std::int64_t*>(slot);
@@ -42,13 +42,14 @@ TPropChange::TPropChange(TPersistent& instance, const TPropInfo& prop, const voi
 }
 
 void TPropChange::Swap() {
-    TSlot old = FValue; // a slot of the same kind
-    FProp.Get(FInstance, AddressOf(old));
+    TSlot old = std::visit(
+        [](const auto& value) -> TSlot { return std::remove_cvref_t<decltype(value)>{}; }, FValue);
+    FProp->Get(*FInstance, AddressOf(old));
     try {
-        FProp.Set(FInstance, AddressOf(FValue));
+        FProp->Set(*FInstance, AddressOf(FValue));
     } catch (...) {
         // A setter may have changed something before it raised.
-        FProp.Set(FInstance, AddressOf(old));
+        FProp->Set(*FInstance, AddressOf(old));
         throw;
     }
     FValue = std::move(old);
@@ -85,15 +86,22 @@ void TBlockChange::Swap() {
 
 // --- The journal ------------------------------------------------------------------------------
 
+void TLoadJournal::Swap(TEntry& entry) {
+    if (auto* const prop = std::get_if<TPropChange>(&entry))
+        prop->Swap();
+    else
+        std::get<std::unique_ptr<TChange>>(entry)->Swap();
+}
+
 void TLoadJournal::Commit() {
     auto next = FChanges.begin();
     try {
-        for (; next != FChanges.end(); ++next) (*next)->Swap();
+        for (; next != FChanges.end(); ++next) Swap(*next);
     } catch (...) {
         while (next != FChanges.begin()) {
             --next;
             try {
-                (*next)->Swap();
+                Swap(*next);
             } catch (...) {
                 // What an object refuses to take back must not keep the others from theirs.
                 continue;

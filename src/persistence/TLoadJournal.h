@@ -4,12 +4,12 @@
 #include "rtl/TypInfo.h"
 #include "streaming/TFiler.h"
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 #include <variant>
-#include <vector>
 
 namespace tarn {
 
@@ -28,19 +28,19 @@ public:
     virtual void Swap() = 0;
 };
 
-/// The value of a published property, in the slot of its kind.
-class TPropChange final : public TChange {
+/// The value of a published property, in the slot of its kind. There are many of them.
+class TPropChange {
 public:
     TPropChange(TPersistent& instance, const TPropInfo& prop, const void* slot);
-    void Swap() override;
+    void Swap(); ///< as TChange does
 
 private:
     using TSlot = std::variant<std::int32_t, std::int64_t, long double, std::string, TVariant,
                                TRawMethod, TObject*>;
     static void* AddressOf(TSlot& slot);
 
-    TPersistent& FInstance;
-    const TPropInfo& FProp;
+    TPersistent* FInstance;
+    const TPropInfo* FProp;
     TSlot FValue;
 };
 
@@ -75,14 +75,20 @@ private:
 /// has turned out well. The objects outlive it.
 class TLoadJournal {
 public:
-    void Add(std::unique_ptr<TChange> change) { FChanges.push_back(std::move(change)); }
+    void Add(std::unique_ptr<TChange> change) { FChanges.emplace_back(std::move(change)); }
+    void AddProp(TPersistent& instance, const TPropInfo& prop, const void* slot) {
+        FChanges.emplace_back(std::in_place_type<TPropChange>, instance, prop, slot);
+    }
 
     /// Makes all changes in their order. When one raises, those before it are taken back, in
     /// reverse, and the error passes on.
     void Commit();
 
 private:
-    std::vector<std::unique_ptr<TChange>> FChanges;
+    using TEntry = std::variant<TPropChange, std::unique_ptr<TChange>>;
+    static void Swap(TEntry& entry);
+
+    std::deque<TEntry> FChanges;
 };
 
 } // namespace tarn
