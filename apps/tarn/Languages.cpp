@@ -21,15 +21,10 @@ std::string RegistryFile() {
 }
 
 /// A session on the user's registry in which the menu stands.
-class TLanguageSession : public TSession {
+class TLanguageSession : public TRunningPack {
 public:
-    explicit TLanguageSession(TConsoleDialogs* console) : TSession(console) {
-        OS().SetRegistryFile(RegistryFile());
-        if (!StartPack())
-            throw EScriptError(ExitRefused, WithLastDialog("the pack does not start"));
-        Ide().PumpMessages();
-    }
-    TExpManager& Manager() { return *TExpManager::Instance(); }
+    TLanguageSession(TConsoleDialogs* console, const std::string& packageDir)
+        : TRunningPack(console, packageDir, RegistryFile()) {}
     /// The entries of the submenu that choose a language: the first one is the default.
     std::vector<TMenuItem*> Entries() {
         std::vector<TMenuItem*> entries;
@@ -46,8 +41,8 @@ void SetRegistryFile(const std::string& file) {
     ChosenRegistryFile() = file;
 }
 
-std::string ListLanguages(TConsoleDialogs* console) {
-    TLanguageSession session(console);
+std::string ListLanguages(TConsoleDialogs* console, const std::string& packageDir) {
+    TLanguageSession session(console, packageDir);
     std::string text;
     for (const TMenuItem* entry : session.Entries())
         text += (entry->Checked() ? "* " : "  ") + entry->Caption() + "\n";
@@ -62,8 +57,8 @@ std::string ListLanguages(TConsoleDialogs* console) {
     return text;
 }
 
-void UseLanguage(const std::string& name, TConsoleDialogs* console) {
-    TLanguageSession session(console);
+void UseLanguage(const std::string& name, TConsoleDialogs* console, const std::string& packageDir) {
+    TLanguageSession session(console, packageDir);
     const std::vector<TMenuItem*> entries = session.Entries();
     TMenuItem* chosen = SameText(name, "Default") ? entries.front() : nullptr;
     std::string known = "Default";

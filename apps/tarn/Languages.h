@@ -7,14 +7,14 @@ namespace tarn {
 class TConsoleDialogs;
 
 // The languages of the pack for the user of the program, whose choice is kept in the registry. A
-// console shows the dialogs of the IDE and the pack.
+// console shows the dialogs of the IDE and the pack; the package directory has the libraries.
 
 /// The languages that can be chosen, one a line, the current one with a *; modules whose file is
 /// missing are named as such.
-std::string ListLanguages(TConsoleDialogs* console);
+std::string ListLanguages(TConsoleDialogs* console, const std::string& packageDir);
 /// Chooses a language by its internal name or the name shown, or "Default". Raises EScriptError
 /// naming those there are, or when the choice cannot be kept.
-void UseLanguage(const std::string& name, TConsoleDialogs* console);
+void UseLanguage(const std::string& name, TConsoleDialogs* console, const std::string& packageDir);
 
 /// What a language library lacks beside the built-in texts.
 struct TLanguageCheck {

@@ -5,8 +5,10 @@
 #include "TTrialExpert.h"
 
 namespace tarn {
+namespace fs = std::filesystem;
 
 TSession::TSession(TConsoleDialogs* console) : FFormerOS(InstallOS(&FOS)) {
+    FNoSaving.emplace(ExpManagerSlots().SaveExpData, nullptr);
     FOS.SetConsole(console);
     // The layout is the US one now: what the keys are called is kept for KeyOf.
     for (int key = 255; key >= VK_BACK; --key) {
@@ -144,6 +146,26 @@ std::string TSession::MenuText(bool all) {
     };
     append(append, *FIde->MainForm().Menu->Items(), 0);
     return text;
+}
+
+// --- The pack and its directory ---------------------------------------------------------------
+
+TRunningPack::TRunningPack(TConsoleDialogs* console, const std::string& packageDir,
+                           const std::string& registry)
+    : TSession(console) {
+    const fs::path program = OS().GetModuleFileName();
+    OS().SetModuleFileName((PackageFolder(packageDir) / program.filename()).string());
+    OS().SetRegistryFile(registry);
+    if (!StartPack()) throw EScriptError(ExitRefused, WithLastDialog("the pack does not start"));
+    Ide().PumpMessages();
+}
+
+fs::path PackageFolder(const std::string& name) {
+    fs::path folder =
+        name.empty() ? fs::path(TPortableOS().GetModuleFileName()).parent_path() : fs::path(name);
+    if (!fs::is_directory(folder))
+        throw EScriptError(ExitIO, "cannot read " + folder.string() + ": is no folder");
+    return folder;
 }
 
 TSourceView& CurrentView(TSession& session) {

@@ -4,7 +4,9 @@
 #include "os/portable/TPortableOS.h"
 #include "qsErrorLog.h"
 #include "qsExpMng.h"
+#include "streaming/TFiler.h"
 
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -14,6 +16,9 @@ namespace tarn {
 
 /// An embedded IDE of its own with the pack in it: what the commands of the program and a script
 /// drive.
+///
+/// A session reads the settings of the user's pack, but leaves them as they are unless it is told
+/// otherwise.
 class TSession {
 public:
     /// \param console shows the dialogs for which no answer is queued, and outlives the session;
@@ -30,6 +35,8 @@ public:
     bool StartPack();
     /// Unloads the pack. Its traces are kept, see Traces.
     void StopPack();
+    /// Has the pack save its settings when it is unloaded, as it does in the IDE.
+    void LetPackSave() { FNoSaving.reset(); }
     /// Gives the pack one more expert from its next start on, see TTrialExpert.
     void AddTrialExpert() { FTrialExpert = true; }
     bool PackRuns() const { return TExpManager::Instance() != nullptr; }
@@ -55,11 +62,28 @@ public:
 private:
     TPortableOS FOS;
     TOperatingSystem* FFormerOS;
+    std::optional<TScopedValue<decltype(TExpManagerSlots::SaveExpData)>> FNoSaving;
     std::optional<TIde> FIde;
     std::map<std::string, TVirtualKey, std::less<>> FKeys;
     std::optional<TErrorLogState> FTraces;
     bool FTrialExpert = false;
 };
+
+/// A session in which the pack runs and its menu stands.
+class TRunningPack : public TSession {
+public:
+    /// \param packageDir of the pack, see PackageFolder
+    /// \param registry the file with the pack's registry; the pack has none without it
+    /// Raises EScriptError with what the IDE has shown when the pack does not start.
+    TRunningPack(TConsoleDialogs* console, const std::string& packageDir,
+                 const std::string& registry = {});
+
+    TExpManager& Manager() { return *TExpManager::Instance(); }
+};
+
+/// The directory of the pack, which holds its settings, its error log and its language libraries:
+/// the program's own when `name` is empty. Raises EScriptError when there is no such folder.
+std::filesystem::path PackageFolder(const std::string& name);
 
 /// The source view in front. Raises EScriptError when no file is open.
 TSourceView& CurrentView(TSession& session);

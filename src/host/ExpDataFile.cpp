@@ -22,7 +22,7 @@ struct TAnswer {
 };
 
 struct TKnownFiles {
-    std::optional<TFileIdentity> Own; ///< read whole or written by this process
+    std::optional<TFileIdentity> Own; ///< read whole, written, or kept by this process
     std::optional<TRefusal> Refused;
     std::optional<TAnswer> Answer; ///< to the question about a later version
 };
@@ -59,14 +59,26 @@ std::string FaultOf(const std::string& fileName) {
 /// Keeps the file that a save is going to replace, when its contents would be lost with it.
 void KeepForeignFile(const std::string& fileName) {
     const std::optional<TFileIdentity> present = IdentityOf(fileName);
-    if (!present || present->Size == 0 || present == Known().Own) return;
+    if (present && (present->Size == 0 || present == Known().Own)) return;
     const std::optional<TRefusal>& refused = Known().Refused;
     const std::string fault =
-        refused && refused->File == *present ? refused->Reason : FaultOf(fileName);
+        present && refused && refused->File == *present ? refused->Reason : FaultOf(fileName);
     if (fault.empty()) return;
-    const std::string kept = KeepBeside(fileName);
-    WriteLogEntry(nullptr, Exception(Format("%s could not be read (%s) and is kept as %s",
-                                            {fileName, fault, kept})));
+    std::string kept;
+    try {
+        kept = KeepBeside(fileName);
+    } catch (const EFileError& error) {
+        if (error.Kind() == feMissing) return;
+        throw;
+    }
+    Known().Own = present; // once is enough, even if the save fails
+    try {
+        WriteLogEntry(nullptr, Exception(Format("%s could not be read (%s) and is kept as %s",
+                                                {fileName, fault, kept})));
+    } catch (const Exception&) {
+        // The file is safe; a log that cannot be written must not cost the settings.
+        return;
+    }
 }
 
 } // namespace
@@ -99,6 +111,37 @@ void SaveExpDataSpc(TSpcObject& spc, const std::string& fileName, TObjectStorage
 
 void WriteExpDataFile(TExpData& data, const std::string& fileName) {
     SaveExpDataSpc(data, fileName, osfBin);
+}
+
+namespace {
+
+class TFilteringSaver final : public TObjectSaver {
+public:
+    std::function<bool(const TPersistent&, std::string_view)> OnFilter;
+
+protected:
+    std::unique_ptr<TFitWriter> MakeWriter(TStream& stream) const override {
+        auto writer = std::make_unique<TFilteringWriter>(stream, BufferSize);
+        writer->OnFilter = OnFilter;
+        return writer;
+    }
+};
+
+} // namespace
+
+void WriteExpDataPart(TExpData& data, const std::string& fileName,
+                      const std::function<bool(const TPersistent&, std::string_view)>& filter) {
+    KeepForeignFile(fileName);
+    TFilteringSaver saver;
+    saver.OnFilter = filter;
+    TPersistent* const object = &data;
+    saver.SaveObjects({&object, 1}, fileName, TStringList{MakeVerInfo(osfBin)}, HeaderName);
+    Known().Own = IdentityOf(fileName);
+}
+
+std::string ExpDataFault(const std::string& fileName) {
+    const std::optional<TRefusal>& refused = Known().Refused;
+    return refused && refused->File == IdentityOf(fileName) ? refused->Reason : std::string();
 }
 
 void InstallSaveSpcRoutine() {

@@ -2,7 +2,9 @@
 
 #include "qsSpcMng.h"
 
+#include <functional>
 #include <string>
+#include <string_view>
 
 namespace tarn {
 
@@ -20,6 +22,12 @@ class TExpData;
 bool ReadExpDataFile(TExpData& data, const std::string& fileName);
 /// Saves the settings in the binary format. Raises EFileError; the file is as it was then.
 void WriteExpDataFile(TExpData& data, const std::string& fileName);
+/// The same without the properties that a TFilteringWriter would leave out by `filter`: the next
+/// load over fresh settings gives them their defaults.
+void WriteExpDataPart(TExpData& data, const std::string& fileName,
+                      const std::function<bool(const TPersistent&, std::string_view)>& filter);
+/// Why the last load of the file, as it stands now, failed; empty when it did not.
+std::string ExpDataFault(const std::string& fileName);
 
 /// Saves a tree as WriteExpDataFile does, in another format if need be.
 void SaveExpDataSpc(TSpcObject& spc, const std::string& fileName, TObjectStorageFormat format);

@@ -31,7 +31,7 @@ constexpr TPropInfo ExpMenuItemDataProps[] = {
 constexpr TPropInfo CustomDataItemProps[] = {
     Published<&TCustomDataItem::Caption>("Caption", {.IsStored = HasOwnCaption<TCustomDataItem>}),
     // Again, for its place behind the caption.
-    Published<&TWrapperItem::NestedObject, &TWrapperItem::SetNestedObject>("NestedObject"),
+    Published<&TWrapperItem::NestedObject>("NestedObject"),
 };
 constexpr TPropInfo EditorFormDataProps[] = {
     Published<&TEditorFormData::AutoSaveSetting>("AutoSaveSetting", {.Default = true}),
@@ -158,6 +158,7 @@ void TExpData::Assign(const TPersistent* source) {
     ActiveExperts.Assign(&data->ActiveExperts);
     CustomData.Assign(&data->CustomData);
     MenuData.Assign(&data->MenuData);
+    UnplacedProps = data->UnplacedProps;
 }
 
 void TExpData::DefineProperties(TFiler& filer) {

@@ -1,5 +1,6 @@
 #include "TFitReader.h"
 
+#include "PropRecords.h"
 #include "SpcStrings.h"
 #include "TFitWriter.h"
 #include "TLoadJournal.h"
@@ -54,7 +55,8 @@ void TFitReader::DefineProperty(std::string_view name, const TReaderProc& readDa
     const auto defer = [&](TReader&) {
         const std::int64_t at = Position();
         SkipValue();
-        FJournal->Add(std::make_unique<TBlockChange>(readData, writeData, BytesSince(at)));
+        FJournal->Add(std::make_unique<TBlockChange>(readData, writeData, BytesSince(at),
+                                                     PlaceOf(at), Path()));
     };
     TReader::DefineProperty(name, defer, writeData, hasData);
 }
@@ -95,7 +97,7 @@ void TFitReader::ReadAsComponent(TPersistent& object) {
     std::string unplaced;
     const TScopedValue owner(FUnplaced, root ? &unplaced : nullptr);
     TReader::ReadAsComponent(object);
-    if (root) Put(root->UnplacedProps, std::move(unplaced));
+    if (root) Put(root->UnplacedProps, MergedPropRecords(root->UnplacedProps, unplaced));
 }
 
 // --- Keyed collections ------------------------------------------------------------------------
@@ -203,6 +205,7 @@ void TFitReader::ReadKeyed(TSpcCollection& collection, std::string_view key, boo
         if (!FJournal) return collection.Reorder(load.Order());
         FJournal->Add(std::make_unique<TSwapChange>([&collection, order = load.Order()]() mutable {
             std::vector<TCollectionItem*> old;
+            old.reserve(order.size());
             for (int i = 0; i < collection.Count(); ++i) old.push_back(collection.Items(i));
             collection.Reorder(order);
             order = std::move(old);
@@ -275,7 +278,7 @@ void TFitReader::ReadKeyedItem(TSpcItem& item, std::string_view key) {
             ReadProperty(item);
     }
     if (!unplaced.empty() || !item.UnplacedProps.empty())
-        Put(item.UnplacedProps, std::move(unplaced));
+        Put(item.UnplacedProps, MergedPropRecords(item.UnplacedProps, unplaced));
 }
 
 void DefineKeyedCollection(TFiler& filer, std::string_view name, TSpcCollection& collection,
@@ -283,6 +286,7 @@ void DefineKeyedCollection(TFiler& filer, std::string_view name, TSpcCollection&
     const auto read = [&](TReader& reader) {
         auto* const fit = dynamic_cast<TFitReader*>(&reader);
         if (!fit) throw EFilerError(Format("%s is read by a TFitReader only", {name}));
+        const TScopedValue inside(fit->FDefinesKeyed, false);
         if (byObjectID)
             fit->ReadFreeCollection(collection, true);
         else

@@ -24,7 +24,8 @@ using EFitReaderError = TNamedException<TFitReaderErrorTag, EReaderError>;
 ///
 /// The items of settings collections are found by their identifiers, without case, and keep their
 /// spelling of it. Those that the collection does not have are kept as they are read, in its
-/// UnplacedItems, in place of those of the same identifier that were kept before.
+/// UnplacedItems, in place of those of the same identifier that were kept before; likewise
+/// properties without a place, see SetKeepsUnplaced.
 class TFitReader : public TReader {
 public:
     using TReader::TReader;

@@ -1,7 +1,9 @@
 #include "TFitWriter.h"
 
+#include "PropRecords.h"
 #include "TSpcCollection.h"
 #include "rtl/SysUtils.h"
+#include "rtl/TStrings.h"
 
 #include <unordered_set>
 
@@ -26,9 +28,22 @@ bool TFitWriter::IsStoredProp(TPersistent& instance, const TPropInfo& prop) {
 
 void TFitWriter::WriteProperties(TPersistent& instance) {
     TWriter::WriteProperties(instance);
+    // An empty list leaves itself out, but it is to replace one that is not empty.
+    if (const auto* const strings = dynamic_cast<const TStrings*>(&instance);
+        strings && strings->IsEmpty()) {
+        const auto writeNone = [](TWriter& writer) {
+            writer.WriteListBegin();
+            writer.WriteListEnd();
+        };
+        DefineProperty("Strings", nullptr, writeNone, true);
+    }
     // What belongs to a sub-object was kept with the item or the root that it stands in.
     if (!PropPath().empty()) return;
-    if (const std::string* const unplaced = UnplacedPropsOf(instance)) WriteRaw(*unplaced);
+    if (const std::string* const unplaced = UnplacedPropsOf(instance)) WriteKept(*unplaced, {});
+}
+
+void TFitWriter::WriteKept(std::string_view records, std::string_view) {
+    WriteRaw(records);
 }
 
 void TFitWriter::WriteCollection(TCollection& collection) {
@@ -57,7 +72,7 @@ void TFitWriter::WriteItems(TCollection& collection) {
         for (; kept != keyed->UnplacedItems.end() && (all || kept->Position <= position); ++kept) {
             if (present.count(LowerCase(kept->Ident)) != 0) continue;
             WriteListBegin();
-            WriteRaw(kept->Props);
+            WriteKept(kept->Props, prop.Name);
             WriteListEnd();
             ++position;
         }
@@ -72,8 +87,27 @@ void TFitWriter::WriteItems(TCollection& collection) {
 
 // --- Some of the properties -------------------------------------------------------------------
 
-bool TFilteringWriter::Passes(std::string_view name) const {
-    return !OnFilter || !FInstance || OnFilter(*FInstance, PropPath() + std::string(name));
+namespace {
+
+/// Whether a property tells the item from the others of its collection.
+bool IsKey(const TPersistent& instance, std::string_view prop) {
+    const auto* const item = dynamic_cast<const TSpcItem*>(&instance);
+    const auto* const keyed =
+        item ? dynamic_cast<const TSpcCollection*>(item->Collection()) : nullptr;
+    return keyed && SameText(prop, keyed->GetUpdateName());
+}
+
+} // namespace
+
+void TFilteringWriter::Filter(const TPersistent& instance, std::string_view path,
+                              const std::function<void()>& write) {
+    if (!OnFilter || OnFilter(instance, path)) write();
+}
+
+void TFilteringWriter::Offer(std::string_view name, const std::function<void()>& write) {
+    const std::string path = PropPath() + std::string(name);
+    const TScopedValue place(FPlace, FCollectionPath + path);
+    Filter(*FInstance, path, write);
 }
 
 void TFilteringWriter::WriteProperties(TPersistent& instance) {
@@ -82,17 +116,37 @@ void TFilteringWriter::WriteProperties(TPersistent& instance) {
 }
 
 void TFilteringWriter::WriteProperty(TPersistent& instance, const TPropInfo& prop) {
-    if (Passes(prop.Name)) TFitWriter::WriteProperty(instance, prop);
+    const auto write = [&] { TFitWriter::WriteProperty(instance, prop); };
+    if (IsKey(instance, prop.Name))
+        write();
+    else
+        Offer(prop.Name, write);
 }
 
 void TFilteringWriter::DefineProperty(std::string_view name, const TReaderProc& readData,
                                       const TWriterProc& writeData, bool hasData) {
-    if (Passes(name)) TFitWriter::DefineProperty(name, readData, writeData, hasData);
+    Offer(name, [&] { TFitWriter::DefineProperty(name, readData, writeData, hasData); });
 }
 
 void TFilteringWriter::DefineBinaryProperty(std::string_view name, const TStreamProc& readData,
                                             const TStreamProc& writeData, bool hasData) {
-    if (Passes(name)) TFitWriter::DefineBinaryProperty(name, readData, writeData, hasData);
+    Offer(name, [&] { TFitWriter::DefineBinaryProperty(name, readData, writeData, hasData); });
+}
+
+void TFilteringWriter::WriteCollection(TCollection& collection) {
+    const TScopedValue object(FInstance, &collection);
+    const TScopedValue path(FCollectionPath, FPlace + '.');
+    TFitWriter::WriteCollection(collection);
+}
+
+void TFilteringWriter::WriteKept(std::string_view records, std::string_view key) {
+    ForEachPropRecord(records, [&](std::string_view name, std::string_view record) {
+        const auto write = [&] { WriteRaw(record); };
+        if (SameText(name, key))
+            write();
+        else
+            Offer(name, write);
+    });
 }
 
 } // namespace tarn

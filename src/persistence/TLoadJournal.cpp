@@ -6,6 +6,19 @@
 #include "streaming/TWriter.h"
 
 namespace tarn {
+namespace {
+
+/// Puts an old state back while an error passes on. What an object refuses to take back must
+/// neither hide that error nor keep the others from theirs.
+template <class F> void Restore(F&& putBack) {
+    try {
+        putBack();
+    } catch (...) {
+        return;
+    }
+}
+
+} // namespace
 
 // --- A property -------------------------------------------------------------------------------
 
@@ -42,14 +55,14 @@ TPropChange::TPropChange(TPersistent& instance, const TPropInfo& prop, const voi
 }
 
 void TPropChange::Swap() {
-    TSlot old = std::visit(
-        [](const auto& value) -> TSlot { return std::remove_cvref_t<decltype(value)>{}; }, FValue);
+    TSlot old;
+    std::visit([&old]<class T>(const T&) { old.emplace<T>(); }, FValue);
     FProp->Get(*FInstance, AddressOf(old));
     try {
         FProp->Set(*FInstance, AddressOf(FValue));
     } catch (...) {
         // A setter may have changed something before it raised.
-        FProp->Set(*FInstance, AddressOf(old));
+        Restore([&] { FProp->Set(*FInstance, AddressOf(old)); });
         throw;
     }
     FValue = std::move(old);
@@ -69,6 +82,8 @@ std::string TBlockChange::Written() const {
 void TBlockChange::Read(std::string_view value) const {
     if (value.empty()) return; // there was nobody to write what was there
     TReader reader(value);
+    reader.OnPlace = [this](std::int64_t) { return FWhere; };
+    const TReader::TPlace place(reader, FPath);
     FReadData(reader);
     if (reader.BytesLeft() != 0) reader.Fail("a block that is not read to its end");
 }
@@ -78,7 +93,7 @@ void TBlockChange::Swap() {
     try {
         Read(FValue);
     } catch (...) {
-        Read(old);
+        Restore([&] { Read(old); });
         throw;
     }
     FValue = std::move(old);
@@ -100,12 +115,7 @@ void TLoadJournal::Commit() {
     } catch (...) {
         while (next != FChanges.begin()) {
             --next;
-            try {
-                Swap(*next);
-            } catch (...) {
-                // What an object refuses to take back must not keep the others from theirs.
-                continue;
-            }
+            Restore([&] { Swap(*next); });
         }
         throw;
     }

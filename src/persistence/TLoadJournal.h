@@ -48,8 +48,11 @@ private:
 class TBlockChange final : public TChange {
 public:
     /// \param value one value of the component stream
-    TBlockChange(TReaderProc readData, TWriterProc writeData, std::string_view value)
-        : FReadData(std::move(readData)), FWriteData(std::move(writeData)), FValue(value) {}
+    /// \param where its place, for errors: "offset 5" \param path and whose it is
+    TBlockChange(TReaderProc readData, TWriterProc writeData, std::string_view value,
+                 std::string where, std::string path)
+        : FReadData(std::move(readData)), FWriteData(std::move(writeData)), FValue(value),
+          FWhere(std::move(where)), FPath(std::move(path)) {}
     void Swap() override;
 
 private:
@@ -58,7 +61,7 @@ private:
 
     TReaderProc FReadData;
     TWriterProc FWriteData;
-    std::string FValue;
+    std::string FValue, FWhere, FPath;
 };
 
 /// Whatever can be exchanged: `swap` does it, and does it back when called again.

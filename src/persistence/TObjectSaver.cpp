@@ -6,6 +6,7 @@
 #include "TLoadJournal.h"
 #include "TTextPlaces.h"
 #include "qsLocale.h"
+#include "rtl/TCollection.h"
 #include "rtl/TMemoryStream.h"
 #include "streaming/FormBinary.h"
 #include "streaming/TFormTextPrinter.h"
@@ -244,34 +245,49 @@ bool TObjectSaver::SafeLoadObjects(TObjectList objects, const TStreamOrFile& sou
 
 // --- Some of the properties -------------------------------------------------------------------
 
-std::unique_ptr<TFitWriter> TPropSaver::MakeWriter(TStream& stream) const {
-    auto writer = std::make_unique<TFilteringWriter>(stream, BufferSize);
-    writer->OnFilter = [this](const TPersistent& instance, std::string_view path) {
-        return Passes(instance, path);
-    };
-    return writer;
-}
+/// Goes by two lists of names.
+class TPropSaver::TPropWriter final : public TFilteringWriter {
+public:
+    TPropWriter(TStream& stream, const TPropSaver& saver)
+        : TFilteringWriter(stream, saver.BufferSize), FSaver(saver) {}
 
-namespace {
-
-/// Whether a list names a property: by its path, or by its class.
-bool Names(const TStrings& list, std::string_view path, const std::string& classPath) {
-    return list.IndexOf(path) >= 0 || list.IndexOf(classPath) >= 0;
-}
-
-} // namespace
-
-bool TPropSaver::Passes(const TPersistent& instance, std::string_view path) const {
-    const std::size_t point = path.rfind('.');
-    const std::string_view name = path.substr(point == std::string_view::npos ? 0 : point + 1);
-    const std::string classPath = tarn::Format("%s.%s", {instance.ClassName(), name});
-    if (Names(FIgnored, path, classPath)) return false;
-    if (FStored.Count() == 0) return true;
-    // A listed property is stored with all that it holds.
-    for (std::string_view front = path;; front = front.substr(0, front.rfind('.'))) {
-        if (Names(FStored, front, classPath)) return true;
-        if (front.find('.') == std::string_view::npos) return false;
+protected:
+    void Filter(const TPersistent& instance, std::string_view path,
+                const std::function<void()>& write) override {
+        if (IsNamed(FSaver.FIgnored, instance, path)) return;
+        const TScopedValue whole(FWhole, FWhole || FSaver.FStored.Count() == 0 ||
+                                             IsNamed(FSaver.FStored, instance, path));
+        if (FWhole || MayHoldNamed(instance, path)) write();
     }
+
+private:
+    bool IsNamed(const TStrings& list, const TPersistent& instance, std::string_view path) const {
+        const std::string_view name = path.substr(path.rfind('.') + 1);
+        return list.IndexOf(path) >= 0 || list.IndexOf(Place()) >= 0 ||
+               list.IndexOf(tarn::Format("%s.%s", {instance.ClassName(), name})) >= 0;
+    }
+    /// Whether a part of the property may be in the list: each part of a sub-object is asked about,
+    /// a collection is written for the sake of a name below it.
+    bool MayHoldNamed(const TPersistent& instance, std::string_view path) const {
+        const TPropInfo* const prop =
+            instance.ClassType().FindProp(path.substr(path.rfind('.') + 1));
+        if (prop && prop->PropType->Kind == tkClass) {
+            TObject* value = nullptr;
+            prop->Get(instance, &value);
+            if (!ClassCast<TCollection>(value)) return !ClassCast<TComponent>(value);
+        }
+        const std::string front = Place() + '.';
+        for (int i = 0; i < FSaver.FStored.Count(); ++i)
+            if (SameText(FSaver.FStored[i].substr(0, front.size()), front)) return true;
+        return false;
+    }
+
+    const TPropSaver& FSaver;
+    bool FWhole = false; ///< what is being written belongs to a property that is to be saved
+};
+
+std::unique_ptr<TFitWriter> TPropSaver::MakeWriter(TStream& stream) const {
+    return std::make_unique<TPropWriter>(stream, *this);
 }
 
 } // namespace tarn

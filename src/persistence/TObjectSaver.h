@@ -52,8 +52,8 @@ public:
     std::function<void(TFitReader&)> DoAfterCreateReader;
     std::function<void()> DoBeforeCreateWriter;
     std::function<void(TFitWriter&)> DoAfterCreateWriter;
-    /// Told of the description in a data header, as it stands there, before the first object of the
-    /// load is touched. \param text the header is that of a text
+    /// Told of the description in a data header, as it stands there, before its object is touched.
+    /// \param text the header is that of a text
     std::function<void(std::string_view description, bool text, bool& cancel)> OnCheckDescription;
 
     // --- Saving and loading -------------------------------------------------------------------
@@ -64,9 +64,9 @@ public:
     void SaveObjects(TObjectList objects, const TStreamOrFile& target, const TStrings& descriptions,
                      std::string_view headerName = {}) const;
 
-    /// False when the check of a description, or the user, has cancelled the load; by the check
-    /// nothing has been touched. Raises EReadError for another format, and the errors of the
-    /// readers.
+    /// False when the check of a description, or the user, has cancelled the load; by the check its
+    /// object and those behind it have not been touched. Raises EReadError for another format, and
+    /// the errors of the readers.
     bool LoadObjects(TObjectList objects, const TStreamOrFile& source) const;
     /// All or nothing: raises what LoadObjects does, and what setters refuse, with every object as
     /// it was. Properties and items without a place are kept as they are read.
@@ -88,14 +88,14 @@ private:
                      std::string_view headerName) const;
     void WriteRoot(TPersistent& object, TStream& stream, std::string_view headerName) const;
     bool Load(TObjectList objects, const TStreamOrFile& source, TLoadJournal* journal) const;
-    bool LoadBlocks(TObjectList objects, TBlocks& blocks, TLoadJournal* journal) const;
     bool LoadBlock(TPersistent& object, TBlocks& blocks, TLoadJournal* journal) const;
     void LetGoOn(TFitReader& reader, bool& refused) const;
     bool GoesOn(std::string_view error) const;
 };
 
-/// Saves some of the properties only. A property goes by its dotted name below the root or item
-/// that it is stored in ("Font.Size"), or by "CLASS.NAME"; without case.
+/// Saves some of the properties only. A property goes by its dotted name below the root
+/// ("Font.Size", "MenuData_.Caption") or below the item that it is stored in, or by "CLASS.NAME";
+/// without case. The parts of a collection whose own name is not listed count below the root only.
 class TPropSaver : public TObjectSaver {
 public:
     /// The only properties to be saved; all when the list is empty. What a property holds is saved
@@ -108,7 +108,7 @@ protected:
     std::unique_ptr<TFitWriter> MakeWriter(TStream& stream) const override;
 
 private:
-    bool Passes(const TPersistent& instance, std::string_view path) const;
+    class TPropWriter;
 
     TStringList FStored;
     TStringList FIgnored;

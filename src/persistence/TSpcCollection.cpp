@@ -8,7 +8,8 @@ namespace {
 constexpr TInterfaceEntry CollectionInterfaces[] = {Implements<TSpcCollection, INodeInfo>()};
 constexpr TPropInfo WrapperProps[] = {
     Published<&TWrapperItem::AObjectID>("AObjectID"),
-    Published<&TWrapperItem::NestedObject, &TWrapperItem::SetNestedObject>("NestedObject"),
+    // Without a setter, so that no stream can take the object away.
+    Published<&TWrapperItem::NestedObject>("NestedObject"),
 };
 
 } // namespace

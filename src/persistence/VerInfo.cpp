@@ -67,7 +67,7 @@ TVersions ParseBinary(std::string_view record) {
 TVersions ParseText(std::string_view record) {
     const std::size_t editor = record.find(EditorLabel);
     const std::size_t platform = record.find(PlatformLabel);
-    if (editor == std::string_view::npos || platform == std::string_view::npos || platform < editor)
+    if (editor == std::string_view::npos || platform == std::string_view::npos)
         RefuseRecord(record);
     const auto from = [record](std::size_t label, std::size_t end) {
         const std::size_t start = std::min(label + LabelWidth, end);

@@ -1,44 +1,12 @@
-#include "qsSpcMng.h"
+#include "ErrorOf.h"
+#include "TTestTree.h"
 #include "rtl/SysUtils.h"
+#include "vcl/TComponent.h"
 
 #include <gtest/gtest.h>
 
 namespace tarn {
 namespace {
-
-/// An item that is told from the others by one of several properties.
-class TEntry : public TSpcItem {
-public:
-    static const TClassRecord ClassRecord;
-    const TClassRecord& ClassType() const override { return ClassRecord; }
-    std::string GetNodeName() override { return "node " + Key; }
-
-    std::string Key;
-    int Number = 0;
-    const std::string& Fixed() const { return Key; }
-};
-constexpr TPropInfo EntryProps[] = {
-    Published<&TEntry::Key>("Key"),
-    Published<&TEntry::Number>("Number"),
-    Published<&TEntry::Fixed>("Fixed"),
-};
-const TClassRecord TEntry::ClassRecord{"TEntry", &TSpcItem::ClassRecord, CreateObject<TEntry>,
-                                       EntryProps};
-
-class TEntries : public TFixedCollection {
-public:
-    explicit TEntries(std::string_view updateName = "Key")
-        : TFixedCollection(TClassRef<TCollectionItem>::Of<TEntry>()), FUpdateName(updateName) {}
-    std::string GetUpdateName() const override { return FUpdateName; }
-
-private:
-    std::string FUpdateName;
-};
-
-class TReferences : public TFreeCollection {
-public:
-    TReferences() : TFreeCollection(TClassRef<TCollectionItem>::Of<TWrapperItem>()) {}
-};
 
 TEST(SettingsTree, ItemsAreFoundByTheirIdentifier) {
     TEntries entries;
@@ -118,6 +86,91 @@ TEST(SettingsTree, NodesAnswerTheirInterfaces) {
         EXPECT_FALSE(Supports<INodeOfItemInfo>(node));
     }
     EXPECT_EQ(object.ClassName(), "TSpcObject");
+}
+
+TEST(SettingsTree, ObjectsAreOfAKind) {
+    TSpcObject object;
+    TEntries entries;
+    TReferences references;
+    TCollection lines(TClassRef<TCollectionItem>::Of<TLine>());
+    TComponent component;
+    TValues values;
+    TObject bare;
+    const TObject* const objects[] = {nullptr, &bare,       &object,  &values,     entries.Add("x"),
+                                      &lines,  lines.Add(), &entries, &references, &component};
+    std::string idents;
+    for (const TObject* each : objects) idents += Format("%d ", {int{BaseClassIdent(each)}});
+    EXPECT_EQ(idents, "0 0 1 2 3 5 4 5 5 6 ");
+}
+
+TEST(SettingsTree, BlocksAreFoundByTheirNames) {
+    TPart part;
+    EXPECT_TRUE(part.HasStorageProc("NOTE"));
+    EXPECT_FALSE(part.HasStorageProc("Raw"));
+    EXPECT_TRUE(part.HasBinStorageProc("raw"));
+    EXPECT_FALSE(part.HasBinStorageProc("Note"));
+    EXPECT_EQ(ErrorOf([&] { part.AddStorageProc("RAW", {}, {}, true); }),
+              "EInvalidOperation: TPart stores a block RAW already");
+    EXPECT_EQ(ErrorOf([&] { part.AddBinStorageProc("note", {}, {}, true); }),
+              "EInvalidOperation: TPart stores a block note already");
+}
+
+/// Holds something that only one can have.
+class TOnly : public TSpcObject {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+    TOnly() { EXPECT_EQ(++Alive, 1); }
+    ~TOnly() override { --Alive; }
+    static inline int Alive = 0;
+};
+const TClassRecord TOnly::ClassRecord{"TOnly", &TSpcObject::ClassRecord, CreateObject<TOnly>};
+
+TEST(SettingsTree, IsMadeAfresh) {
+    std::unique_ptr<TSpcObject> tree = std::make_unique<TOnly>();
+    const TWeak<TSpcObject> old(tree.get());
+    RecreateSpc(tree);
+    EXPECT_EQ(old.Get(), nullptr);
+    EXPECT_EQ(tree->ClassName(), "TOnly");
+
+    struct TAbstract : TSpcObject {
+        const TClassRecord& ClassType() const override {
+            static constexpr TClassRecord record{"TAbstract", &TSpcObject::ClassRecord};
+            return record;
+        }
+    };
+    tree = std::make_unique<TAbstract>();
+    EXPECT_EQ(ErrorOf([&] { RecreateSpc(tree); }), "EInvalidOperation: TAbstract is abstract");
+    EXPECT_EQ(tree->ClassName(), "TAbstract");
+}
+
+TEST(SettingsTree, EditorsFindWhatTheyStartWith) {
+    EXPECT_EQ(ErrorOf([] { GetInitData(); }),
+              "ESpcMngError: Necessary to initialize structure InitData.");
+    TTree tree;
+    FillInitData("file", osfText, &tree);
+    EXPECT_EQ(GetInitData().FileName, "file");
+    EXPECT_EQ(GetInitData().Format, osfText);
+    EXPECT_EQ(GetInitData().Spc, &tree);
+    SetInitData({"other"});
+    EXPECT_EQ(GetInitData().FileName, "other");
+
+    int one = 1, two = 2;
+    TComponent first;
+    auto second = std::make_unique<TComponent>();
+    AddUserData(first, &one);
+    AddUserData(*second, &one);
+    AddUserData(first, &two);
+    EXPECT_EQ(GetUserData(first), &two);
+    EXPECT_EQ(GetUserData(*second), &one);
+    AddUserData(first, nullptr);
+    EXPECT_EQ(GetUserData(first), nullptr);
+    // The next editor at the same address is another one.
+    const TComponent* const place = second.get();
+    std::destroy_at(second.get());
+    std::construct_at(second.get());
+    EXPECT_EQ(second.get(), place);
+    EXPECT_EQ(GetUserData(*second), nullptr);
 }
 
 } // namespace

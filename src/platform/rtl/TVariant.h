@@ -19,12 +19,10 @@ public:
     TVariant() = default;
     template <class T>
     requires std::is_integral_v<T> || std::is_enum_v<T>
-    TVariant(T value) { // NOLINT(google-explicit-constructor)
-        if constexpr (std::is_same_v<T, bool>)
-            FValue = value;
-        else
-            FValue = static_cast<std::int64_t>(value);
-    }
+    TVariant(T value) // NOLINT(google-explicit-constructor)
+        : FValue(
+              std::in_place_type<std::conditional_t<std::is_same_v<T, bool>, bool, std::int64_t>>,
+              value) {}
     TVariant(long double value) : FValue(value) {}                      // NOLINT
     TVariant(double value) : FValue(static_cast<long double>(value)) {} // NOLINT
     TVariant(std::string value) : FValue(std::move(value)) {}           // NOLINT

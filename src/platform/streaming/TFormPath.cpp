@@ -1,8 +1,8 @@
 #include "streaming/TFormPath.h"
 
-#include <algorithm>
+#include "rtl/TNearNames.h"
+
 #include <charconv>
-#include <numeric>
 #include <optional>
 #include <vector>
 
@@ -118,23 +118,6 @@ private:
 
 // --- What else might have been meant ----------------------------------------------------------
 
-/// How many letters have to be put in, taken out or replaced to make one text of the other.
-std::size_t EditDistance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = i;
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t replaced =
-                diagonal + (SameText(a.substr(i, 1), b.substr(j, 1)) ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
-        }
-    }
-    return row.back();
-}
-
 class TSuggestions {
 public:
     TSuggestions(const TFormTree& tree, const TFormPlace& place)
@@ -145,45 +128,25 @@ public:
     std::string Text() {
         if (FName.empty()) return {};
         Elsewhere();
-        if (FNames.empty()) Nearby();
-        std::string text;
-        for (std::size_t i = 0; i < FNames.size(); ++i)
-            text += (i == 0 ? "; is " : i + 1 < FNames.size() ? ", " : " or ") + FNames[i];
-        return text.empty() ? text : text + " meant?";
+        return MeantText(FNames.empty() ? Nearby() : FNames);
     }
 
 private:
-    static constexpr std::size_t Most = 3;
-    /// Longer names are not compared: that would take the square of their length.
-    static constexpr std::size_t LongestName = 256;
-
     /// Objects of that name that stand deeper in the form.
     void Elsewhere() {
-        for (TFormNodeIndex at = 1; at < FTree.Count() && FNames.size() < Most; ++at)
+        for (TFormNodeIndex at = 1; at < FTree.Count() && FNames.size() < TNearNames::Most; ++at)
             if (FTree[at].Kind == fnObject && SameText(FTree[at].Text, FFirst))
                 FNames.push_back(FormPathOf(FTree, at));
     }
 
     /// Properties and children whose names differ a little.
-    void Nearby() {
-        struct TCandidate {
-            std::size_t Distance;
-            std::string_view Name;
-        };
-        std::vector<TCandidate> candidates;
-        if (FName.size() > LongestName) return;
+    std::vector<std::string> Nearby() {
+        TNearNames near(FName, FFirst);
         EachInside(FTree, FPlace.Node, [&](TFormNodeIndex inner) {
-            const std::string_view name = FTree[inner].Text;
-            if (name.empty() || name.size() > LongestName) return false;
-            const std::size_t distance =
-                std::min(EditDistance(FName, name), EditDistance(FFirst, name));
-            if (distance <= 1 + name.size() / 4) candidates.push_back({distance, name});
+            near.Offer(FTree[inner].Text);
             return false;
         });
-        std::stable_sort(candidates.begin(), candidates.end(),
-                         [](auto& a, auto& b) { return a.Distance < b.Distance; });
-        for (const TCandidate& candidate : candidates)
-            if (FNames.size() < Most) FNames.emplace_back(candidate.Name);
+        return near.Nearest();
     }
 
     const TFormTree& FTree;
