@@ -4,6 +4,7 @@
 #include "Services/TIdeServices.h"
 #include "Services/TKeyboard.h"
 #include "Services/TPackages.h"
+#include "Windows/TCpuWindow.h"
 #include "Windows/TEditWindow.h"
 #include "Windows/TIdeMainForm.h"
 
@@ -70,7 +71,22 @@ public:
     /// Hides one service of the Open Tools API, as an IDE that does not have it.
     void Withhold(const TGUID& iid) { FServices->Withhold(iid); }
 
-    std::string Clipboard;
+    // The debugger: a program that stands still, and the CPU window, which shows it.
+
+    /// The program has stopped: the CPU window is opened and made active, or shows the new stop
+    /// when it is open.
+    /// \param state not null; kept until the program goes on
+    void StopAt(TStoppedState state);
+    /// The program goes on: the CPU window is closed. Nothing when none is stopped.
+    void ResumeProgram();
+    /// The program that stands still; null when none does.
+    const TStoppedState& StoppedProgram() const { return FStoppedProgram; }
+    /// Opens the CPU window again after it was closed; false when no program is stopped.
+    bool ShowCpuWindow();
+    /// Closes the CPU window as the user does: it is freed at once, whoever is reading it. The
+    /// program stays stopped.
+    void CloseCpuWindow();
+    TCpuWindow* CpuWindow() const { return FCpuWindow.Get(); } ///< null when it is not open
 
 private:
     bool OpenMenus(TMenuItem& item);
@@ -85,6 +101,8 @@ private:
     TPackages FPackages;
     TIdeServices* FServices;
     int FCommandDepth = 0;
+    TStoppedState FStoppedProgram;
+    TWeak<TCpuWindow> FCpuWindow;
 };
 
 } // namespace tarn

@@ -1,6 +1,7 @@
 #include "Windows/TIdeMainForm.h"
 
 #include "TIde.h"
+#include "vcl/Clipbrd.h"
 
 namespace tarn {
 namespace {
@@ -27,7 +28,7 @@ bool IsAnyModified(TIde& ide) {
 }
 
 void Copy(TIde& ide) {
-    ide.Clipboard = ide.CurrentView()->BlockText();
+    Clipboard().SetAsText(ide.CurrentView()->BlockText());
 }
 void Cut(TIde& ide) {
     Copy(ide);
@@ -36,7 +37,7 @@ void Cut(TIde& ide) {
 }
 /// The clipboard's text comes in as it is, without indentation of its own.
 void Paste(TIde& ide) {
-    ide.CurrentView()->Put(ide.Clipboard);
+    ide.CurrentView()->Put(Clipboard().AsText());
     ide.CurrentView()->ScrollIntoView();
 }
 
@@ -81,7 +82,7 @@ constexpr TMenuRow MenuRows[] = {
     {"EditCutItem", "Cu&t", scCtrl | 'X', Cut, HasBlock},
     {"EditCopyItem", "&Copy", scCtrl | 'C', Copy, HasBlock},
     {"EditPasteItem", "&Paste", scCtrl | 'V', Paste,
-     [](TIde& ide) { return HasFile(ide) && !ide.Clipboard.empty(); }},
+     [](TIde& ide) { return HasFile(ide) && !Clipboard().AsText().empty(); }},
     {"EditDeleteItem", "&Delete", 0, [](TIde& ide) { ide.CurrentView()->DeleteBlock(); }, HasBlock},
     {"EditSelectAll", "Select &All", scCtrl | 'A',
      [](TIde& ide) { ide.CurrentView()->SelectAll(); }, HasFile},

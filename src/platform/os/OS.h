@@ -22,6 +22,8 @@ using HMODULE = std::uint32_t;
 
 /// Ends what a window does with the captured mouse.
 inline constexpr std::uint32_t WM_CANCELMODE = 0x1F;
+/// The interval of a window's timer is over; WParam is the timer's number.
+inline constexpr std::uint32_t WM_TIMER = 0x113;
 
 inline constexpr HKL LayoutUSEnglish = 0x409;
 
@@ -65,6 +67,20 @@ public:
     virtual std::intptr_t DefWindowProc(const TMessage& message) = 0;
     /// Takes the oldest posted message and hands it to its window; false when none waits.
     virtual bool DispatchMessage() = 0;
+
+    /// Posts WM_TIMER to the window at the end of each interval, unless one of this timer waits
+    /// there already. A timer of that number begins anew. False for a window that is gone; a
+    /// window's timers go with it.
+    /// \param id the timer's number among those of its window
+    /// \param interval milliseconds, at least 1
+    virtual bool SetTimer(HWND window, std::intptr_t id, std::uint32_t interval) = 0;
+    /// Ends a timer; a message of it that waits is dropped. Nothing when there is none.
+    virtual void KillTimer(HWND window, std::intptr_t id) = 0;
+
+    /// The text on the clipboard; none when it is empty or holds something else.
+    virtual std::optional<std::string> ClipboardText() = 0;
+    /// Replaces what the clipboard holds; none empties it.
+    virtual void SetClipboardText(std::optional<std::string_view> text) = 0;
 
     virtual HKL GetKeyboardLayout() = 0;
     virtual void ActivateKeyboardLayout(HKL layout) = 0;

@@ -270,6 +270,9 @@ public:
     virtual int GetOwnerCount() = 0;
     virtual TIntf<IOTAProject>
     GetOwner(int index) = 0; ///< a project that holds the module; 0-based
+    /// Closes the module, after the user was asked about changes that are not saved; false when it
+    /// stays open. Raises what saving it raises.
+    virtual bool Close() = 0;
 
 protected:
     ~IOTAModule() = default;

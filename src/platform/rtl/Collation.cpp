@@ -1,5 +1,6 @@
 #include "rtl/SameBytes.h"
 #include "rtl/SysUtils.h"
+#include "rtl/Unicode.h"
 
 #include <algorithm>
 #include <array>
@@ -240,6 +241,25 @@ std::size_t AnsiTextHash(std::string_view text) {
             hasher.PutByte(static_cast<unsigned char>(weight >> shift & 0xFF));
     }
     return hasher.Finish();
+}
+
+std::string AnsiUpperCase(std::string_view text) {
+    std::string capitals;
+    capitals.reserve(text.size());
+    while (!text.empty()) {
+        const TDecoded decoded = Decode(text);
+        const bool ascii = decoded.Char >= 'a' && decoded.Char <= 'z';
+        const char32_t capital = ascii ? decoded.Char - 'a' + 'A' : Capital(decoded.Char);
+        if (capital == decoded.Char)
+            capitals.append(text.substr(0, static_cast<std::size_t>(decoded.Size)));
+        else if (capital < 0x80)
+            capitals += static_cast<char>(capital);
+        else
+            // The capitals of all these scripts are in the first plane.
+            capitals += Utf16ToUtf8(std::u16string(1, static_cast<char16_t>(capital)));
+        text.remove_prefix(static_cast<std::size_t>(decoded.Size));
+    }
+    return capitals;
 }
 
 std::string AnsiTextKey(std::string_view text) {

@@ -114,6 +114,9 @@ std::string AnsiTextKey(std::string_view text);
 /// A hash that is equal for texts that are the same without case.
 std::size_t AnsiTextHash(std::string_view text);
 
+/// The text in capitals of the Latin, Greek and Cyrillic scripts; bytes that are no UTF-8 stay.
+std::string AnsiUpperCase(std::string_view text);
+
 /// Whether the text is an identifier: ASCII letters, digits and "_", no digit in front, not empty.
 bool IsValidIdent(std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "vcl/Forms.h"
 
 #include "rtl/SysUtils.h"
+#include "vcl/TButton.h"
 
 #include <algorithm>
 
@@ -18,6 +19,7 @@ template <class T> void Install(T*& place, T* object) {
 constexpr TPropInfo FormProps[] = {
     Published<&TForm::ActiveControl, &TForm::SetActiveControl>("ActiveControl"),
     Published<&TForm::Caption, &TForm::SetCaption>("Caption"),
+    Published<&TForm::FormStyle, &TForm::SetFormStyle>("FormStyle", {.Default = fsNormal}),
     Published<&TForm::MainMenu, &TForm::SetMainMenu>("Menu"),
     // Unlike other controls, a form begins hidden.
     Published<&TControl::Visible, &TControl::SetVisible>("Visible", {.Default = false}),
@@ -69,6 +71,11 @@ void TForm::SetWindowState(TWindowState value) {
     StateChanged();
 }
 
+void TForm::SetFormStyle(TFormStyle value) {
+    FFormStyle = value;
+    StateChanged();
+}
+
 TModalResult TForm::ShowModal() {
     const TWeak<TForm> before = TheScreen ? TheScreen->ActiveForm() : nullptr;
     ModalResult = mrNone;
@@ -87,7 +94,37 @@ bool TForm::IsShortCut(TShortCut shortCut) {
         if (auto* const list = ClassCast<TActionList>(Components(i));
             list && list->IsShortCut(shortCut))
             return true;
-    return false;
+    return !(FActiveControl && FActiveControl->WantsKey(shortCut)) && ClickButton(shortCut);
+}
+
+namespace {
+
+/// The first button below the control that can be clicked and that the property marks.
+TButton* FindButton(TControl& control, bool (TButton::*mark)() const) {
+    auto* const button = ClassCast<TButton>(&control);
+    if (button && (button->*mark)() && button->CanFocus()) return button;
+    for (int i = 0; i < control.ControlCount(); ++i)
+        if (TButton* const below = FindButton(*control.Controls(i), mark)) return below;
+    return nullptr;
+}
+
+} // namespace
+
+bool TForm::ClickButton(TShortCut key) {
+    if (key != VK_RETURN && key != VK_ESCAPE) return false;
+    TButton* button = key == VK_RETURN ? ClassCast<TButton>(ActiveControl()) : nullptr;
+    if (!button || !button->CanFocus())
+        button = FindButton(*this, key == VK_RETURN ? &TButton::Default : &TButton::Cancel);
+    return button && button->Click();
+}
+
+void TForm::SetActiveControl(TControl* control) {
+    TControl* const before = FActiveControl.Get();
+    if (control == before) return;
+    FActiveControl = control;
+    if (before) before->StateChanged();
+    if (control) control->StateChanged();
+    StateChanged();
 }
 
 void TForm::UpdateActions() {

@@ -14,8 +14,29 @@ inline constexpr std::string_view WindowStateNames[] = {"wsNormal", "wsMinimized
 template <>
 inline constexpr TTypeInfo TypeInfoOf<TWindowState> = EnumType("TWindowState", WindowStateNames);
 
-/// How a modal form was closed; mrNone while it is open.
-enum TModalResult : std::uint8_t { mrNone, mrOk, mrCancel };
+enum TFormStyle : std::uint8_t {
+    fsNormal,
+    fsMDIChild,
+    fsMDIForm,
+    fsStayOnTop ///< a front end keeps the form before the others, active or not
+};
+inline constexpr std::string_view FormStyleNames[] = {"fsNormal", "fsMDIChild", "fsMDIForm",
+                                                      "fsStayOnTop"};
+template <>
+inline constexpr TTypeInfo TypeInfoOf<TFormStyle> = EnumType("TFormStyle", FormStyleNames);
+
+/// How a modal form was closed; mrNone while it is open. Form files have the number.
+enum TModalResult : std::uint8_t {
+    mrNone,
+    mrOk,
+    mrCancel,
+    mrAbort,
+    mrRetry,
+    mrIgnore,
+    mrYes,
+    mrNo
+};
+inline constexpr TTypeInfo ModalResultType = IntegerType<std::uint8_t>("TModalResult");
 
 /// A top-level window. Every form is on the list of the screen while it lives.
 class TForm : public TControl {
@@ -34,6 +55,8 @@ public:
     void SetVisible(bool value) override;
     TWindowState WindowState() const { return FWindowState; }
     void SetWindowState(TWindowState value);
+    TFormStyle FormStyle() const { return FFormStyle; }
+    void SetFormStyle(TFormStyle value);
 
     /// Shows the form until its ModalResult is set, through the application's OnModal; with nobody
     /// there to close it, it is cancelled. The form that was active before is active again.
@@ -41,21 +64,26 @@ public:
     TModalResult ModalResult = mrNone;
 
     TControl* ActiveControl() const { return FActiveControl.Get(); }
-    void SetActiveControl(TControl* control) { FActiveControl = control; }
+    void SetActiveControl(TControl* control);
 
     TWeak<TMainMenu> Menu;
     TMainMenu* MainMenu() const { return Menu.Get(); } ///< published as "Menu"
     void SetMainMenu(TMainMenu* value) { Menu = value; }
 
     /// Runs the item of the form's menu, or the action of one of its action lists, that has the
-    /// shortcut; true when there is one.
-    bool IsShortCut(TShortCut shortCut);
+    /// shortcut; true when there is one. Without one, unless the active control wants the key,
+    /// Enter clicks the active control when that is a button, else the default button, and Esc the
+    /// cancel button; false when there is none that can be clicked.
+    virtual bool IsShortCut(TShortCut shortCut);
     /// Brings the actions of the menu and of the controls up to date, as the application does when
     /// it is idle.
     void UpdateActions();
 
 private:
+    bool ClickButton(TShortCut key);
+
     TWindowState FWindowState = wsNormal;
+    TFormStyle FFormStyle = fsNormal;
     TWeak<TControl> FActiveControl;
 };
 

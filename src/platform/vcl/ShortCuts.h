@@ -1,6 +1,8 @@
 #pragma once
 
 #include "os/OS.h"
+#include "rtl/TSet.h"
+#include "rtl/TypInfo.h"
 
 #include <string>
 #include <string_view>
@@ -22,6 +24,13 @@ inline constexpr TVirtualKey VK_BACK = 0x08, VK_TAB = 0x09, VK_RETURN = 0x0D, VK
 constexpr TVirtualKey ShortCutKey(TShortCut shortCut) {
     return static_cast<TVirtualKey>(shortCut & 0xFF);
 }
+
+/// The modifier keys that are held down with a click.
+enum TShiftKey : std::uint8_t { ssShift, ssAlt, ssCtrl };
+using TShiftState = TSet<TShiftKey>;
+
+/// Settings that hold the text of a shortcut.
+inline constexpr TTypeInfo ShortCutStringType = {"TShortCutString", tkLString};
 
 /// The text of a shortcut, for example "Shift+Ctrl+Del"; empty when its key has no name. Keys that
 /// give a sign are called as the active keyboard layout names them.

@@ -1,6 +1,8 @@
 #include "vcl/TControl.h"
 
 #include "rtl/SysUtils.h"
+#include "streaming/TFiler.h"
+#include "vcl/Forms.h"
 
 #include <algorithm>
 
@@ -14,6 +16,8 @@ constexpr TPropInfo ControlProps[] = {
     Published<&TControl::Height, &TControl::SetHeight>("Height"),
     Published<&TControl::Enabled, &TControl::SetEnabled>("Enabled", {.Default = true}),
     Published<&TControl::Visible, &TControl::SetVisible>("Visible", {.Default = true}),
+    Published<&TControl::Align, &TControl::SetAlign>("Align", {.Default = alNone}),
+    Published<&TControl::PopupMenu, &TControl::SetPopupMenu>("PopupMenu"),
 };
 
 } // namespace
@@ -69,7 +73,7 @@ void TControl::SetChildOrder(TComponent& child, int order) {
         return isSibling(each) && order-- <= 0;
     });
     FControls.insert(to, control);
-    AlignControls();
+    Realign();
 }
 
 TControl* TControl::Controls(int index) const {
@@ -94,14 +98,33 @@ void TControl::SetEnabled(bool value) {
 }
 
 void TControl::SetBoundsRect(const TRect& value) {
-    FBounds = value;
+    const TRect before = std::exchange(FBounds, value);
+    FBounds.Width = std::max(value.Width, FMinWidth);
+    FBounds.Height = std::max(value.Height, FMinHeight);
+    const bool resized = FBounds.Width != before.Width || FBounds.Height != before.Height;
     StateChanged();
+    if (resized) Realign();
+    if (FAlign != alNone) RequestAlign();
+}
+
+void TControl::SetMinSize(int width, int height) {
+    FMinWidth = width;
+    FMinHeight = height;
+    SetBoundsRect(FBounds);
 }
 
 void TControl::SetBound(int TRect::*bound, int value) {
     TRect bounds = FBounds;
     bounds.*bound = value;
     SetBoundsRect(bounds);
+}
+
+TPopupMenu* TControl::PopupMenu() const {
+    return FPopupMenu.Get();
+}
+
+void TControl::SetPopupMenu(TPopupMenu* value) {
+    FPopupMenu = value;
 }
 
 HWND TControl::Handle() {
@@ -128,8 +151,83 @@ void TControl::StateChanged() {
     if (Peer) Peer->StateChanged(*this);
 }
 
+// --- Places -----------------------------------------------------------------------------------
+
+void TControl::SetAlign(TAlign value) {
+    FAlign = value;
+    StateChanged();
+    RequestAlign();
+}
+
 void TControl::RequestAlign() {
-    if (FParent) FParent->AlignControls();
+    if (FParent) FParent->Realign();
+}
+
+/// A control that gets its place does not ask for it again.
+void TControl::Realign() {
+    if (FAligning) return;
+    const TScopedValue aligning(FAligning, true);
+    AlignControls();
+}
+
+namespace {
+
+/// Cuts `size` from the front or the back of an extent and gives the place of what was cut. A
+/// control keeps its size where there is no room: that may still come.
+void Cut(int& start, int& length, int size, bool atEnd, int& place) {
+    place = atEnd ? start + length - size : start;
+    if (!atEnd) start += std::min(size, length);
+    length = std::max(length - size, 0);
+}
+
+/// The part of `rest` along a side for a control of that size, which `rest` loses.
+TRect TakePlace(TRect& rest, TAlign side, const TRect& size) {
+    TRect place = rest;
+    if (side == alTop || side == alBottom) {
+        place.Height = std::max(size.Height, 0);
+        Cut(rest.Top, rest.Height, place.Height, side == alBottom, place.Top);
+    } else if (side == alLeft || side == alRight) {
+        place.Width = std::max(size.Width, 0);
+        Cut(rest.Left, rest.Width, place.Width, side == alRight, place.Left);
+    }
+    return place;
+}
+
+} // namespace
+
+void TControl::AlignControls() {
+    TRect rest{0, 0, std::max(Width(), 0), std::max(Height(), 0)};
+    for (const TAlign side : {alTop, alBottom, alLeft, alRight, alClient})
+        for (TControl* control : FControls)
+            if (control->FAlign == side && control->FVisible)
+                control->SetBoundsRect(TakePlace(rest, side, control->FBounds));
+}
+
+// --- Focus ------------------------------------------------------------------------------------
+
+TForm* TControl::ParentForm() {
+    for (TControl* each = this; each; each = each->FParent)
+        if (auto* const form = ClassCast<TForm>(each)) return form;
+    return nullptr;
+}
+
+bool TControl::CanFocus() const {
+    for (const TControl* each = this; each; each = each->FParent)
+        if (!each->FVisible || !each->FEnabled) return false;
+    return true;
+}
+
+void TControl::SetFocus() {
+    TForm* const form = ParentForm();
+    if (!form || !CanFocus())
+        throw EInvalidOperation(Format("%s %s cannot be focused", {ClassName(), Name()}));
+    form->SetActiveControl(this);
+    if (Screen()) Screen()->SetActiveForm(form);
+}
+
+bool TControl::Focused() {
+    TForm* const form = ParentForm();
+    return form && form->ActiveControl() == this && Screen() && Screen()->ActiveForm() == form;
 }
 
 } // namespace tarn

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "os/OS.h"
+#include "vcl/ShortCuts.h"
 #include "vcl/TComponent.h"
 
 namespace tarn {
 
 class TControl;
+class TForm;
+class TPopupMenu;
 
 inline constexpr std::uint32_t WM_SETREDRAW = 11;
 
@@ -36,6 +39,13 @@ struct TRect {
     friend bool operator==(const TRect&, const TRect&) = default;
 };
 
+/// Where a control stands in its parent: at its own place, along a side, or in what the sides
+/// leave.
+enum TAlign : std::uint8_t { alNone, alTop, alBottom, alLeft, alRight, alClient };
+inline constexpr std::string_view AlignNames[] = {"alNone", "alTop",   "alBottom",
+                                                  "alLeft", "alRight", "alClient"};
+template <> inline constexpr TTypeInfo TypeInfoOf<TAlign> = EnumType("TAlign", AlignNames);
+
 /// A visible component with a window of its own and child controls.
 class TControl : public TComponent {
 public:
@@ -54,14 +64,16 @@ public:
     /// Nothing for a component that is no control.
     void SetParentComponent(TComponent* parent) override;
 
-    const std::string& Text() const { return FText; }
-    void SetText(std::string_view value);
+    virtual const std::string& Text() const { return FText; }
+    virtual void SetText(std::string_view value);
     bool Visible() const { return FVisible; }
     virtual void SetVisible(bool value);
     bool Enabled() const { return FEnabled; }
     void SetEnabled(bool value);
     const TRect& BoundsRect() const { return FBounds; }
     void SetBoundsRect(const TRect& value);
+    /// No place makes the control smaller than that, in pixels. One that is grows at once.
+    void SetMinSize(int width, int height);
     int Left() const { return FBounds.Left; }
     void SetLeft(int value) { SetBound(&TRect::Left, value); }
     int Top() const { return FBounds.Top; }
@@ -71,6 +83,28 @@ public:
     int Height() const { return FBounds.Height; }
     void SetHeight(int value) { SetBound(&TRect::Height, value); }
 
+    /// A control along a side keeps its height, or width, and takes the rest from its parent: first
+    /// those at the top and the bottom, then left and right, each side's first control outermost.
+    TAlign Align() const { return FAlign; }
+    void SetAlign(TAlign value);
+
+    /// The menu that a front end shows for a click of the second mouse button.
+    TPopupMenu* PopupMenu() const;
+    void SetPopupMenu(TPopupMenu* value);
+
+    /// The form that holds the control, at any depth; null when none does. A form is its own.
+    TForm* ParentForm();
+    /// Whether the control and all that hold it are shown and enabled.
+    bool CanFocus() const;
+    /// Makes the control the active one of its form, and that the active form. Raises
+    /// EInvalidOperation when it cannot be focused or is in no form.
+    void SetFocus();
+    /// Whether keys go to the control: it is the active one of the active form.
+    bool Focused();
+    /// Whether the control itself has a use for a key that would click its form's default or cancel
+    /// button otherwise.
+    virtual bool WantsKey(TShortCut) const { return false; }
+
     /// Brings the control's action up to date, when it has one.
     virtual void InitiateAction() {}
 
@@ -78,6 +112,8 @@ public:
     HWND Handle();
     bool HandleAllocated() const { return FHandle != 0; }
 
+    /// Has the front end show what has changed.
+    void StateChanged();
     void Invalidate();
     void RedrawWindow(std::uint32_t flags);
 
@@ -85,11 +121,13 @@ public:
 
 protected:
     virtual void WndProc(TMessage& message);
-    void StateChanged();
-    /// Places the child controls; called when one has come, gone, or been shown or hidden.
-    virtual void AlignControls() {}
+    /// Places the child controls, here those with an Align; called when one has come, gone, or been
+    /// shown or hidden, and when the size has changed.
+    virtual void AlignControls();
     /// Has the parent place its controls anew.
     void RequestAlign();
+    /// Places the child controls, unless that is being done.
+    void Realign();
     /// The controls first, in their order, then what TComponent knows.
     void GetChildren(const TGetChildProc& proc, const TComponent* root) const override;
     void SetChildOrder(TComponent& child, int order) override;
@@ -102,8 +140,13 @@ private:
     std::vector<TControl*> FControls;
     std::string FText;
     TRect FBounds;
+    int FMinWidth = 0;
+    int FMinHeight = 0;
     bool FVisible = true;
     bool FEnabled = true;
+    bool FAligning = false; ///< the places of the child controls are being given
+    TAlign FAlign = alNone;
+    TWeak<TPopupMenu> FPopupMenu;
     HWND FHandle = 0;
 };
 

@@ -139,12 +139,12 @@ TToolButton* TToolBar::Buttons(int index) const {
 
 void TToolBar::SetButtonHeight(int value) {
     FButtonHeight = std::max(value, 0);
-    AlignControls();
+    Realign();
 }
 
 void TToolBar::SetButtonWidth(int value) {
     FButtonWidth = std::max(value, 0);
-    AlignControls();
+    Realign();
 }
 
 void TToolBar::SetShowCaptions(bool value) {

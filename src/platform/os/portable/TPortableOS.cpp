@@ -1,5 +1,6 @@
 #include "os/portable/TPortableOS.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -16,6 +17,7 @@ void TPortableOS::DeallocateHWnd(HWND window) {
     FWindows.erase(window);
     if (FCapture == window) FCapture = 0;
     std::erase_if(FQueue, [window](const TPosted& posted) { return posted.Window == window; });
+    std::erase_if(FTimers, [window](const TTimerEntry& timer) { return timer.Window == window; });
 }
 
 bool TPortableOS::PostMessage(HWND window, std::uint32_t msg, std::intptr_t wParam,
@@ -46,6 +48,54 @@ bool TPortableOS::DispatchMessage() {
     FQueue.pop_front();
     SendMessage(posted.Window, posted.Message.Msg, posted.Message.WParam, posted.Message.LParam);
     return true;
+}
+
+// --- Timers -----------------------------------------------------------------------------------
+
+bool TPortableOS::SetTimer(HWND window, std::intptr_t id, std::uint32_t interval) {
+    if (!FWindows.contains(window)) return false;
+    KillTimer(window, id);
+    const std::uint64_t whole = std::max<std::uint32_t>(interval, 1);
+    FTimers.push_back({window, id, whole, FTime + whole});
+    return true;
+}
+
+void TPortableOS::KillTimer(HWND window, std::intptr_t id) {
+    std::erase_if(FTimers, [=](const TTimerEntry& timer) {
+        return timer.Window == window && timer.Id == id;
+    });
+    std::erase_if(FQueue, [=](const TPosted& posted) {
+        return posted.Window == window && posted.Message.Msg == WM_TIMER &&
+               posted.Message.WParam == id;
+    });
+}
+
+bool TPortableOS::Waits(const TTimerEntry& timer) const {
+    return std::any_of(FQueue.begin(), FQueue.end(), [&timer](const TPosted& posted) {
+        return posted.Window == timer.Window && posted.Message.Msg == WM_TIMER &&
+               posted.Message.WParam == timer.Id;
+    });
+}
+
+void TPortableOS::AdvanceTime(std::uint64_t milliseconds) {
+    FTime += milliseconds;
+    std::vector<TTimerEntry*> ended;
+    for (TTimerEntry& timer : FTimers)
+        if (timer.Due <= FTime) ended.push_back(&timer);
+    std::stable_sort(ended.begin(), ended.end(),
+                     [](const TTimerEntry* a, const TTimerEntry* b) { return a->Due < b->Due; });
+    for (TTimerEntry* timer : ended) {
+        if (!Waits(*timer)) PostMessage(timer->Window, WM_TIMER, timer->Id, 0);
+        timer->Due += ((FTime - timer->Due) / timer->Interval + 1) * timer->Interval;
+    }
+}
+
+std::optional<std::uint64_t> TPortableOS::NextTimer() const {
+    if (FTimers.empty()) return std::nullopt;
+    const auto first =
+        std::min_element(FTimers.begin(), FTimers.end(),
+                         [](const TTimerEntry& a, const TTimerEntry& b) { return a.Due < b.Due; });
+    return first->Due - FTime;
 }
 
 // --- Keyboard layouts -------------------------------------------------------------------------

@@ -25,6 +25,12 @@ public:
     std::intptr_t DefWindowProc(const TMessage& message) override;
     bool DispatchMessage() override;
 
+    bool SetTimer(HWND window, std::intptr_t id, std::uint32_t interval) override;
+    void KillTimer(HWND window, std::intptr_t id) override;
+
+    std::optional<std::string> ClipboardText() override { return FClipboard; }
+    void SetClipboardText(std::optional<std::string_view> text) override { FClipboard = text; }
+
     HKL GetKeyboardLayout() override { return FLayout; }
     void ActivateKeyboardLayout(HKL layout) override;
     std::string KeyName(TVirtualKey key) override;
@@ -67,6 +73,13 @@ public:
         bool OnConsole = false; ///< whether the console has shown it
     };
 
+    /// Time stands still for timers but for this: posts the messages of those whose intervals end
+    /// within `milliseconds`, in the order of their ends. A timer posts one message however often
+    /// its interval fits; who wants each tick goes on by NextTimer and handles messages between.
+    void AdvanceTime(std::uint64_t milliseconds);
+    /// Milliseconds to the end of the first interval; none without a timer.
+    std::optional<std::uint64_t> NextTimer() const;
+
     void SetKeyDown(TVirtualKey key, bool down) { FKeysDown.set(key, down); }
     /// Gives the mouse to a window, which loses it when it goes.
     void SetCapture(HWND window) { FCapture = window; }
@@ -97,8 +110,19 @@ private:
         TMessage Message;
     };
 
+    struct TTimerEntry {
+        HWND Window;
+        std::intptr_t Id;
+        std::uint64_t Interval; ///< milliseconds
+        std::uint64_t Due;      ///< the time when it ends
+    };
+    bool Waits(const TTimerEntry& timer) const;
+
     std::map<HWND, TWndMethod> FWindows;
     std::deque<TPosted> FQueue;
+    std::vector<TTimerEntry> FTimers; ///< in the order in which they were set
+    std::uint64_t FTime = 0;          ///< milliseconds since the object was made
+    std::optional<std::string> FClipboard;
     HWND FLastWindow = 0;
     HKL FLayout = LayoutUSEnglish;
     std::vector<HKL> FLayoutsActivated;
