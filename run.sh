@@ -8,6 +8,7 @@ source tools/setup.sh
 
 need g++ cmake ninja-build libcli11-dev
 wish binutils-mingw-w64-i686
+wish pkg-config libunicorn-dev libcapstone-dev
 build run release -DTARN_TESTS=OFF -- --target tarn
 
 program=$PWD/build/run/apps/tarn/tarn

@@ -6,6 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source tools/setup.sh
 
 need clang clang-format clang-tidy cmake ninja-build libcli11-dev libgtest-dev libbenchmark-dev
+wish pkg-config libunicorn-dev libcapstone-dev
 if [ $# -eq 0 ]; then
     mapfile -t files < <(git ls-files '*.cpp' '*.h' ':!examples')
 else

@@ -11,6 +11,7 @@ namespace tarn {
 TIde::TIde() : FMainForm(*this), FModules(*this), FServices(new TIdeServices(*this)) {
     RegisterStandardIdents();
     FApplication.Title = "Embedded IDE";
+    FMainForm.SetCaption(FApplication.Title);
     FApplication.ExeName = OS().GetModuleFileName();
     FApplication.MainForm = &FMainForm;
     SetIDEServices(TIntf<IOTAWizardServices>(FServices));
@@ -19,6 +20,7 @@ TIde::TIde() : FMainForm(*this), FModules(*this), FServices(new TIdeServices(*th
 
 TIde::~TIde() {
     FPackages.UnloadAll();
+    ResumeProgram();
     FModules.CloseAll(true);
     const TIntf<IOTAWizardServices> services(FServices);
     SetIDEServices(nullptr);
@@ -66,6 +68,37 @@ void TIde::ToggleFormUnit() {
         module->Source().Show();
     else
         form->Show();
+}
+
+// --- The debugger -----------------------------------------------------------------------------
+
+void TIde::StopAt(TStoppedState state) {
+    FStoppedProgram = std::move(state);
+    if (FCpuWindow) FCpuWindow->ShowState(FStoppedProgram);
+    ShowCpuWindow();
+}
+
+void TIde::ResumeProgram() {
+    CloseCpuWindow();
+    FStoppedProgram = nullptr;
+}
+
+bool TIde::ShowCpuWindow() {
+    if (!FStoppedProgram) return false;
+    if (!FCpuWindow) FCpuWindow = new TCpuWindow(FStoppedProgram);
+    FCpuWindow->Show();
+    return true;
+}
+
+void TIde::CloseCpuWindow() {
+    // No longer the IDE's before its end begins, which may ask for it.
+    TCpuWindow* const window = FCpuWindow.Get();
+    const bool wasActive = window && FScreen.ActiveForm() == window;
+    FCpuWindow = nullptr;
+    FreeObject(window);
+    // What was behind it comes to the front.
+    for (int i = 0; wasActive && !FScreen.ActiveForm() && i < FScreen.FormCount(); ++i)
+        if (FScreen.Forms(i)->Visible()) FScreen.SetActiveForm(FScreen.Forms(i));
 }
 
 // --- Commands ---------------------------------------------------------------------------------

@@ -139,13 +139,32 @@ void TModuleList::SaveAll() {
     if (firstError) std::rethrow_exception(firstError);
 }
 
+namespace {
+
+/// Asks the user. While the box is open, a form "Confirm" is active: by that whoever goes on
+/// meanwhile, by a timer for example, sees that the IDE waits for an answer.
+TDialogAnswer Confirm(const std::string& question) {
+    const TWeak<TForm> before(Screen()->ActiveForm());
+    TForm form;
+    form.SetName("Confirm");
+    form.SetCaption(question);
+    form.Show();
+    const TDialogAnswer answer = OS().MessageBox(
+        Application()->Handle(), question, Application()->Title, MB_YESNOCANCEL | MB_ICONQUESTION);
+    if (Screen()->ActiveForm() == &form) Screen()->SetActiveForm(before.Get());
+    return answer;
+}
+
+} // namespace
+
 bool TModuleList::MayClose(TIdeModule& module) const {
-    for (int i = 0; i < module.EditorCount(); ++i) {
+    const TWeak<TIdeModule> alive(&module);
+    for (int i = 0; alive && i < module.EditorCount(); ++i) {
         TFileEditor& editor = module.Editor(i);
         if (!editor.Modified()) continue;
-        const std::string question = Format("Save changes to %s?", {editor.FileName()});
-        switch (OS().MessageBox(Application()->Handle(), question, Application()->Title,
-                                MB_YESNOCANCEL | MB_ICONQUESTION)) {
+        const TDialogAnswer answer = Confirm(Format("Save changes to %s?", {editor.FileName()}));
+        if (!alive) break; // somebody else has closed it while the question was open
+        switch (answer) {
         case IDYES:
             static_cast<TSourceBuffer&>(editor).Save();
             break;
@@ -162,8 +181,9 @@ bool TModuleList::Close(TIdeModule& module, bool force) {
     if (const auto* const group = ClassCast<TProjectGroupModule>(&module))
         for (TProjectModule* project : group->Projects())
             if (!Close(*project, force)) return false;
+    const TWeak<TIdeModule> alive(&module);
     if (!force && !MayClose(module)) return false;
-    Remove(module);
+    if (alive) Remove(module);
     return true;
 }
 

@@ -78,6 +78,9 @@ public:
             return owners[static_cast<std::size_t>(index)]->ProjectInterface();
         });
     }
+    bool Close() override {
+        return this->Ask([](TModel& module) { return module.Ide().Modules().Close(module); });
+    }
 };
 
 class TOtaModule : public TOtaModuleBase<TIdeModule, IOTAModule> {

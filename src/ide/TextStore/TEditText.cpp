@@ -42,7 +42,7 @@ void ApplyAll(TIterator first, TIterator last, TApply apply) {
 }
 
 void GiveBackMemory(TUndoStep& step) {
-    for (TEdit& edit : step.Edits) edit.Kept.Shrink();
+    for (TTextEdit& edit : step.Edits) edit.Kept.Shrink();
 }
 
 } // namespace
@@ -151,12 +151,12 @@ std::size_t TEditText::ReplaceInGroup(std::size_t from, std::size_t to, std::str
 /// Notes an edit that is about to be made. One inside what the edit before it put in takes nothing
 /// away that was there when the group began, so it only changes the length of that edit.
 void TEditText::Record(std::size_t from, std::size_t to, std::size_t inserted) {
-    std::vector<TEdit>& edits = FUndo.OpenEdits();
+    std::vector<TTextEdit>& edits = FUndo.OpenEdits();
     if (!edits.empty() && edits.back().Covers(from, to)) {
         edits.back().Inserted += inserted - (to - from);
         return;
     }
-    TEdit edit{.At = from, .Inserted = inserted, .Kept = {}};
+    TTextEdit edit{.At = from, .Inserted = inserted, .Kept = {}};
     edit.Kept.Reserve(to - from);
     for (const std::span<const char> piece : FText.Pieces(from, to))
         edit.Kept.Insert(edit.Kept.Size(), piece);
@@ -170,7 +170,7 @@ void TEditText::BeginGroup(const TViewState& before, TGroupKind kind) {
 
 void TEditText::EndGroup(const TViewState& after) {
     if (FUndo.InGroup()) {
-        std::vector<TEdit>& edits = FUndo.OpenEdits();
+        std::vector<TTextEdit>& edits = FUndo.OpenEdits();
         while (!edits.empty() && ChangesNothing(edits.back())) edits.pop_back();
     }
     FUndo.EndGroup(after);
@@ -180,7 +180,7 @@ bool TEditText::Undo(TViewState& view) {
     CheckNoGroup();
     TUndoStep* step = FUndo.NextUndo();
     if (step == nullptr) return false;
-    ApplyAll(step->Edits.rbegin(), step->Edits.rend(), [this](TEdit& edit) { Exchange(edit); });
+    ApplyAll(step->Edits.rbegin(), step->Edits.rend(), [this](TTextEdit& edit) { Exchange(edit); });
     GiveBackMemory(*step);
     FUndo.Undone();
     view = step->Before;
@@ -191,7 +191,7 @@ bool TEditText::Redo(TViewState& view) {
     CheckNoGroup();
     TUndoStep* step = FUndo.NextRedo();
     if (step == nullptr) return false;
-    ApplyAll(step->Edits.begin(), step->Edits.end(), [this](TEdit& edit) { Exchange(edit); });
+    ApplyAll(step->Edits.begin(), step->Edits.end(), [this](TTextEdit& edit) { Exchange(edit); });
     GiveBackMemory(*step);
     FUndo.Redone();
     view = step->After;
@@ -200,7 +200,7 @@ bool TEditText::Redo(TViewState& view) {
 
 /// Swaps what an edit keeps with what it put into the text, byte by byte as far as both go, so
 /// that a big edit and its undoing never hold the text a third time.
-void TEditText::Exchange(TEdit& edit) {
+void TEditText::Exchange(TTextEdit& edit) {
     const std::size_t kept = edit.Kept.Size();
     const std::size_t shared = std::min(kept, edit.Inserted);
     const std::size_t sharedEnd = edit.At + shared;
@@ -225,7 +225,7 @@ void TEditText::Exchange(TEdit& edit) {
 }
 
 /// Whether the last edit of the open group has put in just what it took away.
-bool TEditText::ChangesNothing(const TEdit& edit) const {
+bool TEditText::ChangesNothing(const TTextEdit& edit) const {
     if (edit.Inserted != edit.Kept.Size()) return false;
     std::string_view kept = View(edit.Kept.Front());
     for (const std::span<const char> piece : FText.Pieces(edit.At, edit.At + edit.Inserted)) {

@@ -87,8 +87,8 @@ private:
     std::size_t ReplaceInGroup(std::size_t from, std::size_t to, std::string_view newText,
                                TBreakRule rule);
     void Record(std::size_t from, std::size_t to, std::size_t inserted);
-    void Exchange(TEdit& edit);
-    bool ChangesNothing(const TEdit& edit) const;
+    void Exchange(TTextEdit& edit);
+    bool ChangesNothing(const TTextEdit& edit) const;
     void UpdateLines(std::size_t from, std::size_t oldTo);
     void CheckRange(std::size_t from, std::size_t to) const;
     void CheckRow(int row) const;

@@ -13,7 +13,7 @@ namespace tarn {
 
 /// One replacement in a text. Only the bytes that left the text are kept; those that came are in
 /// the text as long as the edit stands. Undoing exchanges the two, and so does doing it again.
-struct TEdit {
+struct TTextEdit {
     std::size_t At = 0;       // 0-based offset
     std::size_t Inserted = 0; // bytes of the text from At on
     TGapBuffer<char> Kept;
@@ -27,7 +27,7 @@ struct TEdit {
 struct TUndoStep {
     TViewState Before;
     TViewState After;
-    std::vector<TEdit> Edits;
+    std::vector<TTextEdit> Edits;
 };
 
 /// What a group of edits is to the user: a command of its own, or a piece of typing that continues
@@ -49,7 +49,7 @@ public:
     void EndTyping() { FTypingGoesOn = false; }
 
     /// The edits of the open group, in the order they were made.
-    std::vector<TEdit>& OpenEdits() { return FDone.back().Edits; }
+    std::vector<TTextEdit>& OpenEdits() { return FDone.back().Edits; }
     /// Tells that the open group has got its first edit: what was undone is gone, and so is the
     /// saved state if it lies there.
     void ForgetUndone();

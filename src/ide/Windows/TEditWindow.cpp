@@ -2,6 +2,7 @@
 
 #include "Source/TSourceBuffer.h"
 #include "rtl/SysUtils.h"
+#include "rtl/UpdateOnce.h"
 
 #include <algorithm>
 
@@ -43,8 +44,7 @@ int TEditWindow::TabOf(const TSourceBuffer* buffer) const {
 TSourceBuffer* TEditWindow::BufferOf(int tab) const {
     if (tab < 0) return nullptr;
     TObject* const companion = FTabControl->Tabs().GetObject(tab);
-    const auto found = std::find(FBuffers.begin(), FBuffers.end(), companion);
-    return found == FBuffers.end() ? nullptr : *found;
+    return FKnown.contains(companion) ? static_cast<TSourceBuffer*>(companion) : nullptr;
 }
 
 /// Brings the current buffer and the tabs together again.
@@ -54,10 +54,15 @@ void TEditWindow::Synchronize() {
     const bool sameSize = tabs.Count() == static_cast<int>(FBuffers.size());
     if (FCurrent && sameSize && index == FLastIndex && tabs.GetObject(index) == FCurrent) return;
 
+    std::unordered_set<const TObject*> shown;
+    for (int i = 0; i < tabs.Count(); ++i) shown.insert(tabs.GetObject(i));
     for (TSourceBuffer* buffer : FBuffers)
-        if (TabOf(buffer) < 0) tabs.AddObject(TabCaption(*buffer), buffer);
+        if (!shown.contains(buffer)) tabs.AddObject(TabCaption(*buffer), buffer);
     if (index != FLastIndex)
-        if (TSourceBuffer* const chosen = BufferOf(index)) FCurrent = chosen;
+        if (TSourceBuffer* const chosen = BufferOf(index)) {
+            FCurrent = chosen;
+            SetCaption(TabCaption(*chosen));
+        }
     FLastIndex = TabOf(FCurrent);
     if (FLastIndex != index) FTabControl->SetTabIndex(FLastIndex);
 }
@@ -76,15 +81,19 @@ TSourceBuffer* TEditWindow::CurrentBuffer() {
 }
 
 void TEditWindow::TabChosen(TObject*) {
-    if (TSourceBuffer* const buffer = CurrentBuffer()) ShowBuffer(*buffer);
+    // The tab that was chosen is meant, even where the order was changed before and its index is
+    // the one that the current buffer had.
+    TSourceBuffer* const chosen = BufferOf(FTabControl->TabIndex());
+    if (TSourceBuffer* const buffer = chosen ? chosen : CurrentBuffer()) ShowBuffer(*buffer);
 }
 
 // --- Buffers come and go ----------------------------------------------------------------------
 
 void TEditWindow::AddBuffer(TSourceBuffer& buffer) {
-    if (std::find(FBuffers.begin(), FBuffers.end(), &buffer) != FBuffers.end()) return;
+    if (FKnown.contains(&buffer)) return;
     Synchronize();
     FBuffers.push_back(&buffer);
+    FKnown.insert(&buffer);
     FTabControl->Tabs().AddObject(TabCaption(buffer), &buffer);
     if (FCurrent) return;
     SetCurrent(FTabControl->Tabs().Count() - 1);
@@ -108,6 +117,7 @@ void TEditWindow::RemoveBuffer(TSourceBuffer& buffer) {
     const bool wasCurrent = FCurrent == &buffer;
     TSourceBuffer* const current = FCurrent;
     FBuffers.erase(place);
+    FKnown.erase(&buffer);
     FTabControl->Tabs().Delete(index);
     SetCurrent(wasCurrent ? std::min(index, FTabControl->Tabs().Count() - 1) : TabOf(current));
     // The tab that came into the place may be a stranger's.
@@ -123,12 +133,17 @@ void TEditWindow::SetCurrent(int index) {
     FTabControl->SetTabIndex(index);
     FLastIndex = index;
     FCurrent = BufferOf(index);
+    SetCaption(FCurrent ? TabCaption(*FCurrent) : std::string_view());
 }
 
 void TEditWindow::UpdateCaptions() {
     Synchronize();
-    for (const TSourceBuffer* buffer : FBuffers)
-        FTabControl->Tabs().Put(TabOf(buffer), TabCaption(*buffer));
+    TStrings& tabs = FTabControl->Tabs();
+    UpdateOnce(tabs, [&] {
+        for (int i = 0; i < tabs.Count(); ++i)
+            if (const TSourceBuffer* const buffer = BufferOf(i)) tabs.Put(i, TabCaption(*buffer));
+    });
+    if (FCurrent) SetCaption(TabCaption(*FCurrent));
 }
 
 } // namespace tarn

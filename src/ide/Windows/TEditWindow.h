@@ -3,6 +3,8 @@
 #include "vcl/Forms.h"
 #include "vcl/TTabControl.h"
 
+#include <unordered_set>
+
 namespace tarn {
 
 class TSourceBuffer;
@@ -49,6 +51,7 @@ private:
     TTabControl* FTabControl;
     TControl* FEditor;
     std::vector<TSourceBuffer*> FBuffers;
+    std::unordered_set<const TObject*> FKnown; ///< the same, to be looked up
     TSourceBuffer* FCurrent = nullptr;
     int FLastIndex = -1; ///< the tab index when FCurrent was last looked up
 };
