@@ -19,8 +19,17 @@ void TSpcEditor::ReadFormSetting(std::string_view, std::string_view, TStrings&) 
 
 void TSpcEditor::WriteFormSetting(std::string_view, std::string_view, const TStrings&) {}
 
-TSmartForm::TSmartForm(TComponent* owner) : TForm(owner), FSavePlacementAction(new TAction(this)) {
+TSmartForm::TSmartForm(TComponent* owner)
+    : TForm(owner), FActionList(new TActionList(this)), FSavePlacementAction(new TAction(this)) {
+    FActionList->SetName("ActionList");
+    FSavePlacementAction->SetName("acSavePlacement");
+    FSavePlacementAction->SetActionList(FActionList);
     FSavePlacementAction->OnExecute = TNotifyEvent::Of<&TSmartForm::SavePlacement>(this);
+}
+
+void TSmartForm::SetVisible(bool value) {
+    if (!value && Visible() && AutoSavePlacement) ReadFormData();
+    TForm::SetVisible(value);
 }
 
 } // namespace tarn

@@ -14,4 +14,11 @@ void TCustomExpert::Init(TGetItemData) {}
 void TCustomExpert::Load(bool) {}
 void TCustomExpert::MenuNotification(TMenuItem*, TExpMenuItemData*) {}
 
+void EnableCommand(TObject* sender, bool enabled) {
+    if (auto* const item = ClassCast<TMenuItem>(sender))
+        item->SetEnabled(enabled);
+    else if (auto* const action = ClassCast<TAction>(sender))
+        action->SetEnabled(enabled);
+}
+
 } // namespace tarn

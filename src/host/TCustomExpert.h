@@ -39,6 +39,9 @@ public:
     void MenuNotification(TMenuItem* menuItem, TExpMenuItemData* itemData) override;
 };
 
+/// Enables a command by what its update was called for: a menu item or an action.
+void EnableCommand(TObject* sender, bool enabled);
+
 /// The class reference of an expert.
 using TExpertClass = TClassRef<TCustomExpert>;
 

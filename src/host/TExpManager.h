@@ -6,10 +6,12 @@
 #include "TExpertEditor.h"
 #include "TExpertRegistry.h"
 #include "ota/ToolsAPI.h"
+#include "qsKeyBind.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -205,6 +207,7 @@ private:
     /// The IDE's action list; null when the IDE does not offer one.
     static TActionList* IDEActionList();
     void NameItem(TMenuItem& item);
+    void ReportDisputedKey(const TExpMenuItemData& data, TShortCut key);
     TAction* NewAction(std::string_view caption, TActionList* actionList, TActions& actions);
     static void FreeActions(TActions& actions);
 
@@ -230,6 +233,8 @@ private:
     TWeak<TMenuItem> FLineAfterItem;
     TWeak<TMenuItem> FLanguageItem;
     std::vector<TExecProc> FExecProcs;
+    TKeyBind FKeyBind;                 ///< the hot keys of the menu in the source editor
+    std::set<TShortCut> FDisputedKeys; ///< keys of several commands that the log has named
     int FItemCounter = 0;
     bool FRebuilding = false;
     bool FRebuildAgain = false; ///< asked for during a rebuild

@@ -2,6 +2,7 @@
 
 #include "TExpManager.h"
 #include "TFinally.h"
+#include "qsErrorLog.h"
 #include "qsExpMng.h"
 #include "qsLocale.h"
 #include "vcl/Forms.h"
@@ -96,9 +97,23 @@ void TExpManager::AddMMenuItems() {
         NameItem(*item);
         item->ItemID = data->ItemID;
         item->SetAction(action);
+        ReportDisputedKey(*data, action->ShortCut());
+        FKeyBind.AddKey(item, action->ShortCut());
         item->SetImageIndex(data->ImageIndex);
         FTopItem->Add(item);
         MenuNotify(item, data);
+    }
+}
+
+/// Has the log name a key that a command before has already. In the editor and in the menu the
+/// first one has it.
+void TExpManager::ReportDisputedKey(const TExpMenuItemData& data, TShortCut key) {
+    if (key == 0) return;
+    for (int i = 0; i < FTopItem->Count(); ++i) {
+        const auto* const other = ClassCast<TExpMenuItem>(FTopItem->Items(i));
+        if (!other || other->ShortCut() != key || !FDisputedKeys.insert(key).second) continue;
+        WriteLogEntry(this, Exception(Format("the commands %s and %s have one key, %s",
+                                             {other->ItemID, data.ItemID, ShortCutToText(key)})));
     }
 }
 
@@ -150,6 +165,7 @@ void TExpManager::CreateSettingSubMenu(TMenuItem* item) {
 // --- Tearing down -----------------------------------------------------------------------------
 
 void TExpManager::DeleteExpertMenu() {
+    FKeyBind.Clear();
     for (TWeak<TMenuItem>* item : {&FTopItem, &FLineBeforeItem, &FLineAfterItem})
         delete item->Get();
     for (std::optional<TActions>* list : {&FSettingActions, &FLanguageActions, &FActions}) {

@@ -72,7 +72,7 @@ public:
         Fail("Init");
         TExpMenuItemData* const data = getItemData("Item" + FName);
         data->Caption = "Command " + FName;
-        data->ShortCutText = "Ctrl+;";
+        data->ShortCutText = FName == "A" ? "Ctrl+;" : "Ctrl+.";
         data->OnExecute = TNotifyEvent::Of<&TTestExpert::Run>(this);
         data->OnUpdate = TNotifyEvent::Of<&TTestExpert::Update>(this);
         GetItemData = getItemData;

@@ -2,6 +2,7 @@
 
 #include "Package.h"
 #include "TPackHarness.h"
+#include "qsAppUtils.h"
 #include "qsExpShrForm.h"
 
 namespace tarn {
@@ -228,17 +229,27 @@ TEST(SharedForm, TakesAndGivesItsPlacement) {
     EXPECT_FALSE(expert.FormSetting()->AutoSavePlacement);
     TFormSetting stored;
     stored.AutoSavePlacement = true;
-    stored.FormPlacement = "1,2";
+    stored.FormPlacement = "0,1,-1,-1,-1,-1,10,20,110,220";
     stored.SavePlacementShortCut = "Ctrl+P";
     expert.SetFormSetting(&stored);
     TSharedForm form(nullptr, &expert);
     form.SetProperties();
-    EXPECT_EQ(form.SavePlacementAction().ShortCut(), scCtrl | 'P');
-    EXPECT_EQ(form.PlacementText, "1,2");
+    EXPECT_EQ(form.BoundsRect(), (TRect{10, 20, 100, 200}));
     EXPECT_TRUE(form.AutoSavePlacement);
-    form.PlacementText = "3,4";
-    form.SavePlacementAction().Execute();
-    EXPECT_EQ(expert.FormSetting()->FormPlacement, "3,4");
+    form.SetLeft(11);
+    EXPECT_TRUE(form.IsShortCut(scCtrl | 'P'));
+    const auto left = [&] { return expert.FormSetting()->FormPlacement.substr(16, 2); };
+    EXPECT_EQ(left(), "11");
+    // On the screen, it gives its place back before that is saved, and when it goes.
+    form.Show();
+    form.SetLeft(12);
+    EXPECT_EQ(expert.StoredFormSetting()->FormPlacement, GetWinPlacement(form));
+    form.SetLeft(13);
+    form.Hide();
+    EXPECT_EQ(left(), "13");
+    expert.FormSetting()->FormPlacement = "1,2";
+    form.SetProperties();
+    EXPECT_EQ(form.Left(), 13);
 }
 
 TEST(ExpData, StoredValuesReachTheEditorAndTheListIsFilledOnce) {

@@ -1,15 +1,50 @@
 #include "preview/qsViewForm.h"
 
+#include "preview/TPreviewForm.h"
 #include "qsExpMng.h"
 #include "qsLocale.h"
 
 namespace tarn {
+namespace {
 
-constinit const TClassRecord TViewFormMng::ClassRecord{"TViewFormMng", &TCustomExpert::ClassRecord,
-                                                       CreateObject<TViewFormMng>};
+constexpr TPropInfo ViewFormMngProps[] = {
+    Published<&TViewFormMng::CloseFormOnShowUnit>("CloseFormOnShowUnit", {.Default = true}),
+};
+
+} // namespace
+
+constinit const TClassRecord TViewFormMng::ClassRecord{
+    "TViewFormMng", &TSharedManager::ClassRecord, CreateObject<TViewFormMng>, ViewFormMngProps};
 
 TViewFormMng::TViewFormMng() {
-    AddStoredData(this, "FormUnitViewData", LocaleStr(51128), "[TViewFormMng]");
+    AddStoredData(this, "FormUnitViewData", LocaleStr(51128),
+                  "[TViewFormMng]\r\nCloseFormOnShowUnit=" + LocaleStr(51244));
+}
+
+TViewFormMng::~TViewFormMng() {
+    delete FForm.Get();
+}
+
+void TViewFormMng::Init(TGetItemData getItemData) {
+    ExpMenuItems().clear();
+    TExpMenuItemData* const data = getItemData("FormUnitViewItem");
+    ExpMenuItems().emplace_back(data);
+    data->Caption = LocaleStr(51128);
+    data->OnExecute = TNotifyEvent::Of<&TViewFormMng::ShowList>(this);
+    data->OnUpdate = TNotifyEvent::Of<&TViewFormMng::UpdateMenuState>(this);
+}
+
+void TViewFormMng::ShowList(TObject*) {
+    if (!FForm) FForm = new TPreviewForm(this);
+    FForm->OpenList();
+}
+
+void TViewFormMng::UpdateMenuState(TObject* sender) {
+    EnableCommand(sender, GetActiveProject() != nullptr);
+}
+
+TPreviewForm* TViewFormMng::Form() const {
+    return FForm.Get();
 }
 
 namespace {
