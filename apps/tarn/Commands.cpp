@@ -1,10 +1,12 @@
 #include "Commands.h"
 
+#include "CpuCommand.h"
 #include "Form.h"
 #include "Ini.h"
 #include "Languages.h"
 #include "Places.h"
 #include "ScriptSource.h"
+#include "SettingsCommand.h"
 #include "TScript.h"
 #include "TTempFolder.h"
 #include "qsAppUtils.h"
@@ -21,12 +23,12 @@
 namespace tarn {
 namespace fs = std::filesystem;
 
-namespace {
-
 void WriteOut(std::string_view text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
         throw EScriptError(ExitIO, "cannot write to standard output");
 }
+
+namespace {
 
 std::string ReadStandardInput() {
     std::string text{std::istreambuf_iterator<char>(std::cin), {}};
@@ -39,17 +41,6 @@ std::string ReadFileText(const std::string& file) {
     const auto bytes = contents.Bytes.Front(contents.Bytes.Size());
     return {bytes.data(), bytes.size()};
 }
-
-/// A session in which the pack runs and its menu stands. Raises EScriptError with what the IDE has
-/// shown when the pack does not start.
-class TRunningPack : public TSession {
-public:
-    explicit TRunningPack(TConsoleDialogs* console) : TSession(console) {
-        if (!StartPack())
-            throw EScriptError(ExitRefused, WithLastDialog("the pack does not start"));
-        Ide().PumpMessages();
-    }
-};
 
 TMenuItem& CommandItem(TSession& session, const std::string& id) {
     std::string known;
@@ -116,7 +107,7 @@ std::optional<std::string> ApplyCommand(const TApplyRequest& request, TConsoleDi
     if (standardInput && request.InPlace)
         throw EScriptError(ExitUsage, "standard input cannot be changed in place");
     const TWantedBlock block(request);
-    TRunningPack session(console);
+    TRunningPack session(console, request.PackageDir);
     TMenuItem& item = CommandItem(session, request.Command);
 
     std::optional<TTempFolder> scratch;
@@ -159,34 +150,20 @@ std::optional<std::string> ApplyCommand(const TApplyRequest& request, TConsoleDi
     return view.Buffer().Text().Text();
 }
 
-std::string BuiltMenu(TConsoleDialogs* console) {
-    return TRunningPack(console).MenuText(false);
+std::string BuiltMenu(const std::string& packageDir, TConsoleDialogs* console) {
+    return TRunningPack(console, packageDir).MenuText(false);
 }
 
 // --- The error log ----------------------------------------------------------------------------
 
-namespace {
-
-/// Raises EScriptError when there is no such directory.
-fs::path ErrorLogFile(const std::string& packageDir) {
-    const fs::path folder = packageDir.empty()
-                                ? fs::path(TPortableOS().GetModuleFileName()).parent_path()
-                                : fs::path(packageDir);
-    if (!fs::is_directory(folder))
-        throw EScriptError(ExitIO, "cannot read " + folder.string() + ": is no folder");
-    return folder / ErrorLogName;
-}
-
-} // namespace
-
 std::optional<std::string> ErrorLogText(const std::string& packageDir) {
-    const fs::path file = ErrorLogFile(packageDir);
+    const fs::path file = PackageFolder(packageDir) / ErrorLogName;
     if (!fs::exists(file)) return std::nullopt;
     return ReadFileText(file.string());
 }
 
 bool ClearErrorLog(const std::string& packageDir) {
-    const fs::path file = ErrorLogFile(packageDir);
+    const fs::path file = PackageFolder(packageDir) / ErrorLogName;
     if (!fs::exists(file)) return false;
     WriteFileEx(file.string(), {});
     return true;
@@ -262,18 +239,24 @@ int TarnMain(int argc, char** argv) {
     CLI::App* const menu = app.add_subcommand("menu", "Print the menu as the pack builds it");
 
     std::function<void()> chosen; // the command, where it has a file of its own
+    AddCpuCommand(app, chosen);
     AddFormCommand(app, chosen);
     AddIniCommand(app, chosen);
-
     std::string packageDir;
+    CLI::App* const settings = AddSettingsCommand(app, packageDir, chosen);
+
     bool clearLog = false;
     CLI::App* const log = app.add_subcommand("log", "Print the errors that the pack has logged");
     log->add_flag("--clear", clearLog, "empty the log instead");
-    log->add_option("--package-dir", packageDir,
-                    "the directory of the pack, instead of the program's own");
+    for (CLI::App* const command : {apply, lang, menu, settings, log})
+        command
+            ->add_option("--package-dir", packageDir,
+                         "the directory of the pack, instead of the program's own")
+            ->envname("TARN_PACKAGE_DIR");
 
     try {
-        app.parse(argc, argv);
+        const std::vector<const char*> args = WithProgramOption(argc, argv);
+        app.parse(argc, args.data());
     } catch (const CLI::Success& success) {
         return app.exit(success); // help and version
     } catch (const CLI::ParseError& error) {
@@ -285,19 +268,20 @@ int TarnMain(int argc, char** argv) {
         if (!*run && !chosen) FormatSettings() = UserFormatSettings();
         TConsoleDialogs console = TConsoleDialogs::OfProcess();
         if (*run) RunScript(script, ask ? &console : nullptr);
+        request.PackageDir = packageDir;
         if (*apply)
             if (const auto result = ApplyCommand(request, &console)) WriteOut(*result);
-        if (*menu) WriteOut(BuiltMenu(&console));
+        if (*menu) WriteOut(BuiltMenu(packageDir, &console));
         if (*log) ShowLog(packageDir, clearLog);
         SetRegistryFile(registry);
         if (*langUse)
-            UseLanguage(language, &console);
+            UseLanguage(language, &console, packageDir);
         else if (*langCheck) {
             const TLanguageCheck check = CheckLanguage(library);
             WriteOut(check.Report);
             if (!check.Faultless) return ExitRefused;
         } else if (*lang)
-            WriteOut(ListLanguages(&console));
+            WriteOut(ListLanguages(&console, packageDir));
         if (std::fflush(stdout) != 0) throw EScriptError(ExitIO, "cannot write to standard output");
         return ExitDone;
     } catch (const EScriptError& error) {

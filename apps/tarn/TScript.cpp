@@ -1,10 +1,14 @@
 #include "TScript.h"
 
+#include "Controls.h"
+#include "Cpu.h"
 #include "Diff.h"
 #include "Places.h"
 #include "Settings.h"
 #include "TTrialExpert.h"
 #include "qsAppUtils.h"
+#include "vcl/Clipbrd.h"
+#include "vcl/TMemo.h"
 #include "vcl/TStringGrid.h"
 #include "vcl/TToolBar.h"
 
@@ -134,6 +138,26 @@ std::string ButtonText(const TToolButton& button) {
     if (!button.Enabled()) text += " disabled";
     if (!button.Visible()) text += " hidden";
     return text;
+}
+
+TCpuWindow& OpenCpuWindow(TSession& session) {
+    TCpuWindow* const window = session.Ide().CpuWindow();
+    if (!window) Refuse("the CPU window is not open");
+    return *window;
+}
+
+/// The program of `cpu program FILE [WORD VALUE]...`.
+TCpuSource CpuProgram(const TArgs& args, std::string file) {
+    TCpuSource source{.File = std::move(file), .IsProgram = true};
+    if (args.size() % 2 != 0) Misuse("a word of cpu program has no value");
+    for (std::size_t i = 2; i < args.size(); i += 2) {
+        CheckWords({args[i]}, 0, {"base", "entry", "until", "steps"});
+        if (SameText(args[i], "base")) source.Base = args[i + 1];
+        if (SameText(args[i], "entry")) source.Entry = args[i + 1];
+        if (SameText(args[i], "until")) source.Until = args[i + 1];
+        if (SameText(args[i], "steps")) source.Steps = StrToInt(args[i + 1]);
+    }
+    return source;
 }
 
 struct TLayoutName {
@@ -352,12 +376,49 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
              Refuse("'" + st.Args[0] + "' is disabled");
          button.Click();
      }},
+    {"list", "NAME LINE...",
+     "click a line of a list in the active form, by its number or its text, and the others with Ctrl",
+     2, Any,
+     [](TScript&, const TStatement& st) { ClickLines(st.Args[0], std::span(st.Args).subspan(1)); }},
+    {"dblclick", "NAME LINE", "click a line of a list twice", 2, 2,
+     [](TScript&, const TStatement& st) { DoubleClickLine(st.Args[0], st.Args[1]); }},
+    {"drag", "NAME LINE LINE",
+     "drag a line of a list, with those selected, in front of another; the number behind the last "
+     "line is the end",
+     3, 3,
+     [](TScript&, const TStatement& st) { DragLine(st.Args[0], st.Args[1], st.Args[2]); }},
+    {"field", "NAME TEXT", "put the focus into a field of the active form and type its new text", 2,
+     2, [](TScript&, const TStatement& st) { FillField(st.Args[0], st.Args[1]); }},
+    {"popup", "NAME ITEM",
+     "open a pop-up menu of the active form, by its name or its control's, and click an item, by its "
+     "caption or component name",
+     2, 2, [](TScript&, const TStatement& st) { ClickPopup(st.Args[0], st.Args[1]); }},
+    {"wait", "MS", "let so many milliseconds go by for the timers", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         const int time = StrToInt(st.Args[0]);
+         if (time < 0) Misuse("time does not go back");
+         Wait(s.FSession, static_cast<std::uint64_t>(time));
+     }},
+    {"copy", "", "select all that the memo of the active form shows and copy it to the clipboard", 0, 0,
+     [](TScript&, const TStatement&) {
+         auto& memo = ActiveComponent<TMemo>("memo");
+         memo.SelectAll();
+         memo.CopyToClipboard();
+     }},
+    {"cpu",
+     "FILE | program FILE [base A] [entry A] [until A] [steps N] | at PANE A | close | resume",
+     "a program has stopped, as a recording tells, or a small x86 program that is run to an address "
+     "or so many instructions: the CPU window opens; at moves the selection of a pane; close closes "
+     "the window; resume lets the program go on",
+     1, 10, [](TScript& s, const TStatement& st) { s.RunCpu(st.Args); }},
     {"registry", "NAME VALUE", "write a value of the pack's key in the script's own registry", 2, 2,
      [](TScript& s, const TStatement& st) {
          s.FSession.OS().WriteRegistryString(RegistryKey, st.Args[0], st.Args[1]);
      }},
-    {"set", "PATH VALUE", "set a setting, for example EditorManagerData.SafeStringMoving False", 2,
-     2, [](TScript&, const TStatement& st) { SetSetting(st.Args[0], st.Args[1]); }},
+    {"set", "PATH VALUE",
+     "set a setting, for example EditorManagerData.SafeStringMoving False; the pack saves it when it "
+     "is unloaded",
+     2, 2, [](TScript&, const TStatement& st) { SetSetting(st.Args[0], st.Args[1]); }},
     {"fail", "PLACE",
      "the pack has a trial expert from its next start on, which fails in its create, init, load, "
      "menu, update, command or destroy, or nowhere; its command is TrialItem",
@@ -554,6 +615,45 @@ const TScript::TTopic TScript::TTables::Topics[] =
          for (int i = 0; i < bar.ButtonCount(); ++i) text += Lines(ButtonText(*bar.Buttons(i)));
          return text;
      }},
+    {"list", "NAME", "the lines of a list in the active form, the selected ones with a *", 1,
+     [](TScript&, const TArgs& args) {
+         if (args.empty()) Misuse("print list needs a name");
+         return ListText(args[0]);
+     }},
+    {"field", "NAME", "the text of a field in the active form, and what it offers", 1,
+     [](TScript&, const TArgs& args) {
+         if (args.empty()) Misuse("print field needs a name");
+         return FieldText(args[0]);
+     }},
+    {"popup", "NAME", "the items of a pop-up menu of the active form", 1,
+     [](TScript&, const TArgs& args) {
+         if (args.empty()) Misuse("print popup needs a name");
+         return PopupText(args[0]);
+     }},
+    {"memo", "", "the lines in the memo of the active form", 0,
+     [](TScript&, const TArgs&) {
+         std::string text;
+         TStrings& lines = ActiveComponent<TMemo>("memo").Lines();
+         for (int i = 0; i < lines.Count(); ++i) text += Lines(Shown(lines[i]));
+         return text;
+     }},
+    {"clipboard", "", "the text of the clipboard, as a quoted word", 0,
+     [](TScript&, const TArgs&) { return Lines("\"" + Escaped(Clipboard().AsText()) + "\""); }},
+    {"cpu", "[disassembly|registers|flags|dump|stack|stop]",
+     "what the panes of the CPU window show at their selections, or one of them; with stop where "
+     "and why the program stands",
+     1,
+     [](TScript& s, const TArgs& args) {
+         const TStoppedState& program = s.FSession.Ide().StoppedProgram();
+         if (HasWord(args, 0, "stop")) return Lines(program ? program->StopText() : "-");
+         TCpuWindow& window = OpenCpuWindow(s.FSession);
+         if (!args.empty()) return CpuPaneText(FindCpuPane(window, args[0]));
+         std::string text;
+         for (int i = 0; i < window.ComponentCount(); ++i)
+             if (auto* const pane = ClassCast<TCpuPane>(window.Components(i)))
+                 text += "[" + pane->Name() + "]\n" + CpuPaneText(*pane);
+         return text;
+     }},
     {"registry", "NAME", "a value of the pack's key in the registry", 1,
      [](TScript& s, const TArgs& args) {
          if (args.empty()) Misuse("print registry needs a name");
@@ -563,7 +663,11 @@ const TScript::TTopic TScript::TTables::Topics[] =
     {"setting", "PATH", "a setting", 1,
          [](TScript&, const TArgs& args) {
              if (args.empty()) Misuse("print setting needs a path");
-             return Lines(GetSetting(args[0]));
+             return Lines(ShownSetting(GetSetting(args[0])));
+         }},
+    {"settings", "[PATH]", "the settings below a path, each as PATH=VALUE", 1,
+         [](TScript&, const TArgs& args) {
+             return ListSettings(args.empty() ? std::string_view() : args[0]);
          }},
         {"log", "",
          "the pack's error log, as it stands in the scratch folder, with [ time ] for the times", 0,
@@ -645,6 +749,7 @@ TScript::TScript(fs::path folder, TOutput output, TConsoleDialogs* console)
     // user has chosen, and leaves nothing behind.
     FSession.OS().SetModuleFileName(ScratchFile("package").string());
     FSession.OS().SetRegistryFile(ScratchFile("registry").string());
+    FSession.LetPackSave();
     Application()->OnModal = TMethod<void(TForm&)>::Of<&TScript::RunModal>(this);
 }
 
@@ -699,6 +804,30 @@ std::string TScript::Print(const TArgs& args) {
     if (args.size() - 1 > topic.Most)
         Misuse(Format("usage: print %s %s", {topic.Name, topic.Args}));
     return topic.Print(*this, {args.begin() + 1, args.end()});
+}
+
+void TScript::RunCpu(const TArgs& args) {
+    TIde& ide = FSession.Ide();
+    const std::string& word = args[0];
+    if (args.size() == 1 && SameText(word, "close")) {
+        OpenCpuWindow(FSession);
+        ide.CloseCpuWindow();
+    } else if (args.size() == 1 && SameText(word, "resume")) {
+        if (!ide.StoppedProgram()) Refuse("no program is stopped");
+        ide.ResumeProgram();
+    } else if (args.size() == 1) {
+        ide.StopAt(LoadStoppedProgram({.File = FileOf(word).string()}));
+    } else if (SameText(word, "program")) {
+        ide.StopAt(LoadStoppedProgram(CpuProgram(args, FileOf(args[1]).string())));
+    } else if (SameText(word, "at") && args.size() == 3) {
+        auto* const pane = ClassCast<TAddressPane>(&FindCpuPane(OpenCpuWindow(FSession), args[1]));
+        const auto address = ParseAddress(args[2]);
+        if (!pane) Misuse("'" + args[1] + "' has no addresses");
+        if (!address) Misuse("'" + args[2] + "' is no address");
+        pane->SetSelected(static_cast<int>(*address));
+    } else {
+        Misuse("usage: cpu FILE, cpu program FILE ..., cpu at PANE ADDRESS, cpu close or resume");
+    }
 }
 
 fs::path TScript::FileOf(std::string_view name) const {

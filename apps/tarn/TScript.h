@@ -44,6 +44,8 @@ private:
     /// opened it.
     void RunModal(TForm& form);
     std::string Print(const std::vector<std::string>& args);
+    /// The verb cpu.
+    void RunCpu(const std::vector<std::string>& args);
     /// A file of the scratch folder, or else of the script's own.
     std::filesystem::path FileOf(std::string_view name) const;
     /// The text without the folders of the script's files, which differ from run to run.

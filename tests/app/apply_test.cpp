@@ -73,8 +73,9 @@ TEST_F(ApplyTest, PrintsTheResult) {
 
 TEST_F(ApplyTest, RefusesWithAMessageAndChangesNothing) {
     const std::string commands =
-        "MoveBlockLeftOneItem, MoveBlockLeftTwoItem, MoveBlockRightOneItem, MoveBlockRightTwoItem, "
-        "SortLinesItem, SettingItem, AboutFormItem";
+        "FormUnitViewItem, InspectorFormViewItem, ViewCPUItem, MoveBlockLeftOneItem, "
+        "MoveBlockLeftTwoItem, MoveBlockRightOneItem, MoveBlockRightTwoItem, "
+        "SortLinesItem, UnitManagerItem, SettingItem, AboutFormItem";
     const struct {
         std::string_view Text, Command, Select, Lines;
         std::string Expected;

@@ -1,5 +1,7 @@
+#include "Cpu/Emulator.h"
 #include "TTerminal.h"
 #include "app_fixture.h"
+#include "rtl/SafeFile.h"
 
 #include <cstdlib>
 #include <sys/wait.h>
@@ -49,6 +51,47 @@ private:
                ReadFile(Folder.Path() / "stdout") + "|";
     }
 };
+
+TEST_F(ProgramTest, PrintsCaptures) {
+    Write("stop.cpu", "cpu-recording 1\n"
+                      "registers EAX=1 ESP=0012FF7C EIP=00401000 CS=1B\n"
+                      "label Go\n"
+                      "code 00401000: 40 | inc eax\n"
+                      "code 00401001: C3 | ret\n"
+                      "memory 00402000: 41 0A\n"
+                      "stack 0012FF7C: 4A756C79\n");
+    Write("bad.cpu", "cpu-recording 1\nregisters EAX\n");
+    Write("loop.bin", "\xB8\x05\x01\x01\x01\x40\xF4"); // mov eax, 0x1010105; inc eax; hlt
+    const std::string code = "Go\n00401000 40               inc eax\n"
+                             "00401001 C3               ret\n";
+    const struct {
+        std::string Args, Expected;
+    } cases[] = {
+        {"stop.cpu --pane disassembly --lines 2", "0|" + code + "|"},
+        {"--pane STACK stop.cpu --lines 1", "0|0012FF7C  4A756C79  July\n|"},
+        {"stop.cpu --pane dump --lines 1", "0|00402000  41 0A ?? ?? ?? ?? ?? ??  A.......\n|"},
+        {"stop.cpu --pane registers --lines 0", "2||tarn: --lines is 1 at least\n"},
+        {"stop.cpu --pane memory",
+         "2||tarn: unknown pane 'memory'; there are disassembly, registers, flags, dump, stack and "
+         "all\n"},
+        {"stop.cpu --until 0", "2||tarn: --until requires --program\n"},
+        {"bad.cpu", "1||tarn: bad.cpu:2: 'EAX' is no NAME=VALUE\n"},
+        {"none.cpu", "3||tarn: cannot read none.cpu: no such file or folder\n"},
+        {"", "2||tarn: cpu needs a FILE or -- PROGRAM\n"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(Run("cpu " + c.Args), c.Expected) << c.Args;
+    const std::string all = Run("cpu stop.cpu");
+    EXPECT_TRUE(all.starts_with("0|[Assembler code]\n" + code)) << all;
+    EXPECT_NE(all.find("\n\n[Processor’s registers]\nEAX 00000001\n"), std::string::npos) << all;
+    EXPECT_TRUE(all.ends_with("0012FF58  ????????  ....\n\n|")) << all;
+    if (!HasEmulator()) return;
+    EXPECT_EQ(Run("cpu -- loop.bin --steps 2 --pane disassembly --lines 3"),
+              "0|00401006 F4               hlt\n"
+              "00401007 0000             add byte ptr [eax], al\n"
+              "00401009 0000             add byte ptr [eax], al\n|");
+    EXPECT_TRUE(Run("cpu --program loop.bin --until 401006 --pane registers")
+                    .starts_with("0|EAX 01010106\n"));
+}
 
 TEST_F(ProgramTest, RunsScripts) {
     Write("good.tarn", "say hello\n");
@@ -132,8 +175,209 @@ TEST_F(ProgramTest, PrintsAndClearsTheLog) {
               "3||tarn: cannot write to ./ExpError.log: is a directory\n");
 }
 
+// --- The settings -----------------------------------------------------------------------------
+
+class SettingsTest : public ProgramTest {
+protected:
+    std::string Settings(const std::string& arguments) {
+        return Run("settings --package-dir . " + arguments);
+    }
+    std::string File() const { return (Folder.Path() / "ExpData.spc").string(); }
+    std::string FileBytes() const { return ReadFile(File()); }
+    std::size_t CountOf(std::string_view prefix) const {
+        std::size_t count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(Folder.Path()))
+            if (entry.path().filename().string().starts_with(prefix)) ++count;
+        return count;
+    }
+    static std::string Tree(std::string_view caption) {
+        return "object ExpertData: TExpData\n  MenuData_ = <\n    item\n"
+               "      ItemID = 'SortLinesItem'\n      Caption = '" +
+               std::string(caption) + "'\n    end>\nend\n";
+    }
+};
+
+TEST_F(SettingsTest, AreChangedInTheFileAlone) {
+    EXPECT_EQ(Settings("get MenuData.SortLinesItem.Caption"), "0|Sorting\n|");
+    EXPECT_EQ(Settings("list").substr(0, 2), "0|");
+    EXPECT_EQ(CountOf("Exp"), 0U) << "nothing was to be written";
+    EXPECT_EQ(Settings("set MenuData.SortLinesItem.Caption Order"), "0||");
+    EXPECT_EQ(Settings("set expmanagerdata.autosavesettings false"), "0||");
+    EXPECT_EQ(Settings("set ExpManagerData.EditorFormData.Setting '\"[a]\\nb\"'"), "0||");
+    EXPECT_EQ(Settings("set MenuData.MoveBlockLeftOneItem.ShortCutText ''"), "0||");
+    EXPECT_EQ(Settings("set ActiveExperts.CPUView.Active False"), "0||");
+
+    const auto identity = IdentityOf(File());
+    const std::pair<std::string_view, std::string_view> reading[] = {
+        {"get MenuData.SortLinesItem.Caption", "0|Order\n|"},
+        {"get ExpManagerData.AutoSaveSettings", "0|False\n|"},
+        {"list ExpManagerData.EditorFormData.Setting",
+         "0|CustomData.ExpManagerData.EditorFormData.Setting=\"[a]\\nb\\n\"\n|"},
+        {"get MenuData.MoveBlockLeftOneItem.ShortCutText", "0|\n|"},
+        {"get CPUViewData.FormSetting.FormPlacement",
+         "2||tarn: CustomData.CPUViewData: no active expert has it; its settings are kept\n"},
+        {"set ExpManagerData.MaxLogSize much",
+         "2||tarn: CustomData.ExpManagerData.MaxLogSize: 'much' is not a valid integer value; "
+         "wanted is a whole number from 0 to 4294967295\n"},
+        {"reset Nothing.At.All", "2||tarn: there is no 'Nothing'; there are ExpManagerData, "
+                                 "FormUnitViewData, InspectorFormViewData, EditorManagerData, "
+                                 "UnitManagerData, ActiveExperts, MenuData, CustomData\n"},
+        {"export a.txt", "2||tarn: a.txt: Unknown specification format. There are .sbn, .stx and "
+                         ".spc\n"},
+        {"import none.stx", "3||tarn: Specification file: none.stx not found.\n"},
+        {"show none.stx", "3||tarn: Specification file: none.stx not found.\n"},
+    };
+    for (const auto& [arguments, expected] : reading)
+        EXPECT_EQ(Settings(std::string(arguments)), expected) << arguments;
+    EXPECT_EQ(IdentityOf(File()), identity) << "nothing was to be written";
+
+    const std::string menu = Run("menu --package-dir .");
+    EXPECT_NE(menu.find("  Order [Ctrl+;]"), std::string::npos) << menu;
+    EXPECT_EQ(Run("lang --package-dir . --registry reg").substr(0, 2), "0|");
+    EXPECT_EQ(IdentityOf(File()), identity) << "only the settings commands save";
+    EXPECT_EQ(Run("settings get ExpManagerData.AutoSaveSettings --package-dir none"),
+              "3||tarn: cannot read none: is no folder\n");
+    ::setenv("TARN_PACKAGE_DIR", Folder.Path().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
+    EXPECT_EQ(Run("settings get MenuData.SortLinesItem.Caption"), "0|Order\n|");
+    ::unsetenv("TARN_PACKAGE_DIR"); // NOLINT(concurrency-mt-unsafe)
+}
+
+TEST_F(SettingsTest, AreResetAloneOrTogether) {
+    const std::string fresh = Settings("list");
+    const std::pair<std::string_view, std::string_view> changes[] = {
+        {"MenuData.SortLinesItem.Caption", "Order"},
+        {"MenuData.SortLinesItem.ImageIndex", "7"},
+        {"MenuData.SettingItem.Caption", "Set"},
+        {"ExpManagerData.EditorFormData.AutoSaveSetting", "False"},
+        {"EditorManagerData.SafeStringMoving", "False"},
+        {"EditorManagerData.Caption", "Editor"},
+    };
+    for (const auto& [path, value] : changes)
+        EXPECT_EQ(Settings("set " + std::string(path) + " " + std::string(value)), "0||");
+    EXPECT_EQ(Settings("export changed.sbn"), "0||");
+    // What is at its default after a reset: one sign for each change.
+    const std::pair<std::string_view, std::string_view> resets[] = {
+        {"menudata.sortlinesitem.caption", "x....."},
+        {"MenuData.SortLinesItem", "xx...."},
+        {"MenuData", "xxx..."},
+        {"ExpManagerData.EditorFormData", "...x.."},
+        {"EditorManagerData", "....xx"},
+        {"CustomData", "...xxx"},
+    };
+    for (const auto& [path, expected] : resets) {
+        EXPECT_EQ(Settings("import changed.sbn"), "0||");
+        EXPECT_EQ(Settings("reset " + std::string(path)), "0||");
+        const std::string left = Settings("list");
+        std::string found;
+        for (const auto& [changed, value] : changes) {
+            const std::string line = std::string(changed) + "=" + std::string(value) + "\n";
+            found += left.find(line) == std::string::npos ? 'x' : '.';
+        }
+        EXPECT_EQ(found, expected) << path;
+    }
+    // An expert that is switched off loses nothing by it.
+    EXPECT_EQ(Settings("set EditorManagerData.MoveCursorTopLeft True"), "0||");
+    EXPECT_EQ(Settings("set ActiveExperts.EditorManager.Active False"), "0||");
+    EXPECT_EQ(Settings("reset MenuData.SettingItem"), "0||");
+    EXPECT_EQ(Settings("reset ActiveExperts.EditorManager"), "0||");
+    EXPECT_EQ(Settings("get EditorManagerData.MoveCursorTopLeft"), "0|True\n|");
+    EXPECT_EQ(Settings("reset"), "0||");
+    EXPECT_EQ(CountOf("Exp"), 0U);
+    EXPECT_EQ(Settings("list"), fresh);
+}
+
+TEST_F(SettingsTest, AreExportedAndImported) {
+    EXPECT_EQ(Settings("set MenuData.SortLinesItem.Caption Order"), "0||");
+    const std::string shown = Settings("show ExpData.spc");
+    EXPECT_EQ(shown.substr(0, 59), "0|version record: 1.01 5.00\nobject ExpertData: TExpData\n  A");
+    const std::string tree = shown.substr(shown.find("object"));
+    for (const std::string name : {"a.sbn", "a.STX", "a.spc"}) {
+        EXPECT_EQ(Settings("export " + name), "0||");
+        EXPECT_EQ(Settings("show " + name),
+                  (name == "a.STX" ? "0|version record: e_ver: 1.01 d_ver: 5.00\n"
+                                   : "0|version record: 1.01 5.00\n") +
+                      tree);
+        EXPECT_EQ(Settings("reset"), "0||");
+        EXPECT_EQ(Settings("import " + name), "0||");
+        EXPECT_EQ(Settings("show ExpData.spc"), shown) << name;
+    }
+    EXPECT_EQ(ReadFile(Folder.Path() / "a.sbn"), FileBytes());
+    EXPECT_EQ(ReadFile(Folder.Path() / "a.STX").substr(0, 31), "sys_txt e_ver: 1.01 d_ver: 5.00");
+
+    // What a file does not mention stays; the items stand in the order of the file.
+    Write("part.stx", Tree("Part"));
+    EXPECT_EQ(Settings("show part.stx"), "0|no version record\n" + Tree("Part") + "|");
+    EXPECT_EQ(Settings("set ExpManagerData.MaxLogSize 7"), "0||");
+    EXPECT_EQ(Settings("import part.stx"), "0||");
+    EXPECT_EQ(Settings("list MenuData.SortLinesItem.Caption"),
+              "0|MenuData.SortLinesItem.Caption=Part\n|");
+    EXPECT_EQ(Settings("get ExpManagerData.MaxLogSize"), "0|7\n|");
+    EXPECT_EQ(Settings("list MenuData").substr(0, 25), "0|MenuData.SortLinesItem.");
+
+    const std::string before = FileBytes();
+    std::string broken = Tree("Broken");
+    broken.insert(broken.find("    end"), "      ImageIndex = 'x'\n");
+    Write("broken.stx", broken);
+    Write("cut.stx", Tree("Cut").substr(0, 60));
+    Write("cut.sbn", ReadFile(Folder.Path() / "a.sbn").substr(0, 100));
+    Write("form.stx", "object Form1: TForm1\nend\n");
+    Write("text.stx", "hello");
+    Write("record.stx", "sys_txt e_ver: new d_ver: 5.00\r\n---\r\n" + Tree("Record"));
+    const std::pair<std::string_view, std::string_view> refused[] = {
+        {"import broken.stx",
+         "1||tarn: broken.stx: line 6, column 20: ExpertData.MenuData_[0].ImageIndex: an integer "
+         "expected, not vaString\n"},
+        {"import cut.stx", "1||tarn: cut.stx: line 4, column 8: ExpertData.MenuData_[0].I: \"=\" "
+                           "expected: end of text\n"},
+        {"import cut.sbn", "1||tarn: cut.sbn: offset 95: ExpertData.ActiveExperts_[1]: the stream "
+                           "ends: 5 of 10 bytes\n"},
+        {"show cut.stx", "1||tarn: cut.stx: line 4, column 8: ExpertData.MenuData_[0].I: \"=\" "
+                         "expected: end of text\n"},
+        {"show cut.sbn", "1||tarn: cut.sbn: offset 95: ExpertData.ActiveExperts_[1]: the stream "
+                         "ends: 5 of 10 bytes\n"},
+        {"import form.stx",
+         "1||tarn: form.stx: holds a TForm1 instead of the settings, TExpData\n"},
+        {"import text.stx", "1||tarn: text.stx: Unknown specification format.\n"},
+        {"show text.stx", "1||tarn: text.stx: Unknown specification format.\n"},
+        {"import record.stx", "1||tarn: record.stx: Version information has incorrect format:  "
+                              "e_ver: new d_ver: 5.00.\n"},
+    };
+    for (const auto& [arguments, expected] : refused)
+        EXPECT_EQ(Settings(std::string(arguments)), expected) << arguments;
+    EXPECT_EQ(FileBytes(), before);
+
+    Write("later.stx", "sys_txt e_ver: 9.00 d_ver: 5.00\r\n---\r\n" + Tree("Later"));
+    EXPECT_EQ(Settings("import later.stx"),
+              "1||Embedded IDE: warning: Specification file later.stx created with later editor "
+              "versionCurrent editor version: 1.01 in file version: 9.00.Loading may be incorrect. "
+              "Continue load file?\n[y]es / [n]o: no\n"
+              "tarn: later.stx: of a later version, and not imported\n");
+    EXPECT_EQ(FileBytes(), before);
+    const std::string asked =
+        RunAtTerminal("settings --package-dir . import later.stx", "y\n").substr(0, 3);
+    if (asked == "no ") GTEST_SKIP() << "no pseudo terminal to be had";
+    EXPECT_EQ(asked, "0||");
+    EXPECT_EQ(Settings("get MenuData.SortLinesItem.Caption"), "0|Later\n|");
+}
+
+TEST_F(SettingsTest, InAFileThatCannotBeReadAreKeptBeside) {
+    Write("ExpData.spc", "hello");
+    const std::string notice =
+        "tarn: ./ExpData.spc was not read and does not count: offset 0: neither a component stream "
+        "nor its text\n";
+    EXPECT_EQ(Settings("get MenuData.SortLinesItem.Caption"), "0|Sorting\n|" + notice);
+    EXPECT_EQ(FileBytes(), "hello");
+    EXPECT_EQ(Settings("set MenuData.SortLinesItem.Caption Order"), "0||" + notice);
+    EXPECT_EQ(Settings("get MenuData.SortLinesItem.Caption"), "0|Order\n|");
+    EXPECT_EQ(CountOf("ExpData-"), 1U);
+    Write("ExpData.spc", "again");
+    EXPECT_EQ(Settings("reset MenuData.SortLinesItem"), "0||" + notice);
+    EXPECT_EQ(CountOf("ExpData-"), 2U);
+}
+
 TEST_F(ProgramTest, ExplainsItsUsage) {
-    for (const std::string_view arguments : {"--help", "run --help", "apply --help", "menu"})
+    for (const std::string_view arguments :
+         {"--help", "run --help", "apply --help", "settings --help", "menu"})
         EXPECT_EQ(Run(std::string(arguments)).substr(0, 2), "0|") << arguments;
     EXPECT_EQ(Run("--version").substr(0, 7), "0|tarn ");
     for (const std::string_view arguments :

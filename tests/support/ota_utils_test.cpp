@@ -81,6 +81,7 @@ public:
     TIntf<IOTAEditor> GetModuleFileEditor(int index) override { return Editors.at(index); }
     int GetOwnerCount() override { return static_cast<int>(Owners.size()); }
     TIntf<IOTAProject> GetOwner(int index) override { return Owners.at(index); }
+    bool Close() override { return false; }
     TInterfaceList<IOTAEditor> Editors;
     TInterfaceList<IOTAProject> Owners;
 

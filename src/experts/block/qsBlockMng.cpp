@@ -87,10 +87,7 @@ void TBlockMng::SortLines(TObject*) {
 }
 
 void TBlockMng::UpdateBlockState(TObject* sender) {
-    if (auto* const item = ClassCast<TMenuItem>(sender))
-        item->SetEnabled(CheckState());
-    else if (auto* const action = ClassCast<TAction>(sender))
-        action->SetEnabled(CheckState());
+    EnableCommand(sender, CheckState());
 }
 
 bool TBlockMng::CheckState() {
