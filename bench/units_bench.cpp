@@ -90,7 +90,6 @@ void Units(benchmark::State& state, TOperation operation) {
     }
     if (world.Ide().EditWindow().Tabs().size() != static_cast<std::size_t>(state.range(0)))
         state.SkipWithError("a tab is lost");
-    state.SetComplexityN(state.range(0));
 }
 
 /// All units by their names.
@@ -110,7 +109,7 @@ void CloseAll(benchmark::State& state) {
 
 void Sizes(benchmark::internal::Benchmark* bench) {
     // To open the units takes longer than to work on them: that is done once each.
-    bench->Arg(1'000)->Arg(10'000)->Iterations(20)->Unit(benchmark::kMillisecond)->Complexity();
+    bench->Arg(1'000)->Arg(10'000)->Iterations(20)->Unit(benchmark::kMillisecond);
 }
 BENCHMARK_CAPTURE(Units, Fill, Fill)->Apply(Sizes);
 BENCHMARK_CAPTURE(Units, Filter, Filter)->Apply(Sizes);
