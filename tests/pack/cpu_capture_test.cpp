@@ -185,7 +185,8 @@ TEST_F(TCpuCapture, FailuresNameThePaneAndLeaveItAsItWas) {
     }
     delete window.Dump;
     TWrongPane wrong(window, "DumpView");
-    EXPECT_EQ(CaptureError(qsDumpView, 1), "DumpView.SelectedOffset: 'words' is not a valid integer value");
+    EXPECT_EQ(CaptureError(qsDumpView, 1),
+              "DumpView.SelectedOffset: 'words' is not a valid integer value");
     delete window.Stack;
     TStubPane bare(window, "StackView");
     EXPECT_EQ(CaptureError(qsStackView, 1),
