@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TTestFolder.h"
 #include "os/portable/TPortableOS.h"
 #include "qsErrorLog.h"
 #include "qsExpMng.h"
@@ -126,9 +127,6 @@ class TSmallIDE {
 public:
     TSmallIDE() {
         InstallOS(&OS);
-        Dir = std::filesystem::path(testing::TempDir()) /
-              ("tarn-pack-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
-        std::filesystem::create_directories(Dir);
         OS.SetModuleFileName((Dir / "pack.module").string());
         App = std::make_unique<TApplication>();
         App->Title = "Small IDE";
@@ -161,7 +159,6 @@ public:
         App.reset();
         InstallOS(nullptr);
         ExpManagerSlots() = {};
-        std::filesystem::remove_all(Dir);
     }
 
     /// Initializes the package with experts A (slot 1) and B (slot 7, captioned by a string).
@@ -208,8 +205,9 @@ public:
 
     std::string LastDialog() const { return OS.Dialogs().empty() ? "" : OS.Dialogs().back().Text; }
 
+    TTestFolder Folder;
+    std::filesystem::path Dir = Folder.Path();
     TRecordingOS OS;
-    std::filesystem::path Dir;
     std::unique_ptr<TApplication> App;
     std::unique_ptr<TScreen> Scr;
     std::unique_ptr<TForm> Main;

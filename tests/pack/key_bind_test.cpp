@@ -138,7 +138,7 @@ TEST(KeyBindings, FollowTheMenuAndNameDisputedKeysOnce) {
     ExpManagerSlots().SaveExpData = {};
     manager->CreateExpertMenu(); // no keyboard services: the menu stands without them
     manager->DeleteExpertMenu();
-    const TIntf<IInterface> former = IDEServices();
+    const TIntf<IInterface>& former = IDEServices();
     class TBoth : public TInterfacedObject<IInterface> {
     public:
         TBoth(TIntf<IInterface> a, TIntf<IInterface> b) : FA(std::move(a)), FB(std::move(b)) {}
@@ -149,7 +149,7 @@ TEST(KeyBindings, FollowTheMenuAndNameDisputedKeysOnce) {
     private:
         TIntf<IInterface> FA, FB;
     };
-    SetIDEServices(TIntf<IInterface>(new TBoth(former, held)));
+    SetIDEServices(TIntf<IInterface>(new TBoth(former, held))); // which keeps the former
     TakeEvents();
     ExpData().MenuData.Get(1)->ShortCutText = "Ctrl+;"; // as the first one has
     manager->CreateExpertMenu();
