@@ -1,5 +1,6 @@
 #include "ObjectInputs.h"
 
+#include "TStreamOrFile.h"
 #include "TTextPlaces.h"
 #include "TWrapper.h"
 #include "rtl/TMemoryStream.h"
@@ -97,20 +98,12 @@ private:
     std::int64_t FStart = 0;
 };
 
-/// What is left of a stream, which is then at its end.
-std::string RestOf(TStream& stream) {
-    const std::int64_t left = std::max<std::int64_t>(stream.Size() - stream.Position(), 0);
-    std::string rest(static_cast<std::size_t>(left), '\0');
-    stream.ReadBuffer(rest.data(), left);
-    return rest;
-}
-
 /// Lines of description are blanked as they are met: to the parser they are nothing, and the places
 /// that its errors name are those of the whole text.
 class TTextInput final : public TRootInput {
 public:
     TTextInput(TStream& stream, const TInputEvents& events)
-        : FStream(stream), FEvents(events), FStart(stream.Position()), FText(RestOf(stream)),
+        : FStream(stream), FEvents(events), FStart(stream.Position()), FText(ReadRest(stream)),
           FParser(FText), FPlaces(FText) {
         FStream.SetPosition(FStart);
     }
