@@ -103,10 +103,19 @@ bool ReadExpDataFile(TExpData& data, const std::string& fileName) {
     return false;
 }
 
-void SaveExpDataSpc(TSpcObject& spc, const std::string& fileName, TObjectStorageFormat format) {
+namespace {
+
+/// What stands around every save of the file.
+template <class F> void SaveOver(const std::string& fileName, F&& save) {
     KeepForeignFile(fileName);
-    SaveSpcAs(spc, fileName, format, HeaderName);
+    save();
     Known().Own = IdentityOf(fileName);
+}
+
+} // namespace
+
+void SaveExpDataSpc(TSpcObject& spc, const std::string& fileName, TObjectStorageFormat format) {
+    SaveOver(fileName, [&] { SaveSpcAs(spc, fileName, format, HeaderName); });
 }
 
 void WriteExpDataFile(TExpData& data, const std::string& fileName) {
@@ -131,12 +140,12 @@ protected:
 
 void WriteExpDataPart(TExpData& data, const std::string& fileName,
                       const std::function<bool(const TPersistent&, std::string_view)>& filter) {
-    KeepForeignFile(fileName);
     TFilteringSaver saver;
     saver.OnFilter = filter;
     TPersistent* const object = &data;
-    saver.SaveObjects({&object, 1}, fileName, TStringList{MakeVerInfo(osfBin)}, HeaderName);
-    Known().Own = IdentityOf(fileName);
+    SaveOver(fileName, [&] {
+        saver.SaveObjects({&object, 1}, fileName, TStringList{MakeVerInfo(osfBin)}, HeaderName);
+    });
 }
 
 std::string ExpDataFault(const std::string& fileName) {

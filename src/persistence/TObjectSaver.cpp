@@ -90,7 +90,7 @@ public:
         bool asResource = false;
         ReadDataHeader(stream, format, asResource, description);
         text = format == osfText;
-        Pass(stream.Position());
+        FOffset += stream.Position();
         return true;
     }
 
@@ -133,7 +133,6 @@ private:
     std::string_view Left() const {
         return std::string_view(FBytes).substr(static_cast<std::size_t>(FOffset));
     }
-    void Pass(std::int64_t count) { FOffset += count; }
 
     TStream& FStream;
     std::int64_t FStart;
@@ -160,7 +159,7 @@ bool TObjectSaver::GoesOn(std::string_view error) const {
                tarn::Format(LocaleStr(strLoadQuestion), {LineBreak, error, LineBreak}));
 }
 
-/// Has the reader ask about errors, once the user has refused no more.
+/// Has the reader ask about each error that can be passed over; `refused` once the user said no.
 void TObjectSaver::LetGoOn(TFitReader& reader, bool& refused) const {
     reader.OnError = [this, &refused](TReader&, std::string_view message, bool& handled) {
         handled = GoesOn(message);
