@@ -8,10 +8,15 @@
 #include "streaming/TReader.h"
 #include "streaming/TWriter.h"
 #include "vcl/Clipbrd.h"
-#include "vcl/StandardControls.h"
+#include "vcl/StandardIdents.h"
 #include "vcl/TButton.h"
 #include "vcl/TCheckBox.h"
+#include "vcl/TColorEdit.h"
 #include "vcl/TComboBox.h"
+#include "vcl/TDateTimePicker.h"
+#include "vcl/TFontEdit.h"
+#include "vcl/THotKeyEx.h"
+#include "vcl/TImage.h"
 #include "vcl/TLabel.h"
 #include "vcl/TListBox.h"
 #include "vcl/TMemo.h"
@@ -616,8 +621,15 @@ TEST_F(Controls, Timers) {
 // --- Streams ----------------------------------------------------------------------------------
 
 TEST_F(Controls, AreReadFromFormFiles) {
-    RegisterStandardControls();
-    RegisterStandardControls();
+    const TClassRecord* const classes[] = {
+        &TListBox::ClassRecord,        &TComboBox::ClassRecord,  &TEdit::ClassRecord,
+        &TMemo::ClassRecord,           &TSpinEdit::ClassRecord,  &TButton::ClassRecord,
+        &TCheckBox::ClassRecord,       &TLabel::ClassRecord,     &TPanel::ClassRecord,
+        &TTimer::ClassRecord,          &TPopupMenu::ClassRecord, &THotKeyEx::ClassRecord,
+        &TDateTimePicker::ClassRecord, &TColorEdit::ClassRecord, &TFontEdit::ClassRecord,
+        &TImage::ClassRecord,
+    };
+    for (const TClassRecord* record : classes) RegisterClass(*record);
     RegisterStandardIdents();
     // Properties end with ";", components with "|".
     constexpr std::string_view components =
@@ -626,14 +638,23 @@ TEST_F(Controls, AreReadFromFormFiles) {
         "Combo: TComboBox;Style = csDropDownList;Items.Strings = (;  'a';  'b');ItemIndex = 1;"
         "Text = 'b';OnChange = Handle;OnClick = Handle;OnDropDown = Handle|"
         "Edit: TEdit;ReadOnly = True;OnChange = Handle;Text = 't'|"
-        "Memo: TMemo;ReadOnly = True;OnChange = Handle;Font.Charset = RUSSIAN_CHARSET;"
-        "Font.Color = clRed;Font.Height = -11;Font.Name = 'Mono';Font.Pitch = fpFixed;"
-        "Font.Style = [fsBold];Lines.Strings = (;  'a';  'b');ScrollBars = ssVertical;"
+        "Memo: TMemo;Font.Charset = RUSSIAN_CHARSET;Font.Color = clRed;Font.Height = -11;"
+        "Font.Name = 'Mono';Font.Pitch = fpFixed;Font.Style = [fsBold];MaxLength = 9;"
+        "ReadOnly = True;OnChange = Handle;OnDblClick = Handle;Lines.Strings = (;  'a';  "
+        "'b');ScrollBars = ssVertical;"
         "WordWrap = False|"
         "Spin: TSpinEdit;Increment = 2;MaxValue = 9;MinValue = 1;Value = 5|"
         "Button: TButton;Cancel = True;Caption = 'C';Default = True;ModalResult = 7;"
         "OnClick = Handle|"
         "Box: TCheckBox;Align = alTop;Caption = 'C';Checked = True;OnClick = Handle|"
+        "Key: THotKeyEx;HotKey = 16449;InvalidKeys = [hcAlt];Modifiers = [hkCtrl, hkExt];"
+        "OnChange = Handle|"
+        "Moment: TDateTimePicker;DateTime = -1.25;Kind = dtkTime;OnChange = Handle|"
+        "Color: TColorEdit;Color = clWindow;Hint = 'h';SelectedColor = clRed;OnChange = Handle|"
+        "Fonts: TFontEdit;ListInstalledFonts = False;SelectedFont.Height = 9;OnChange = Handle|"
+        "Image: TImage;Picture.Data = {;"
+        "  07544269746D61701E000000424D00000000000000001A0000000C0000000100;"
+        "  010001001800FFFFFF00};Stretch = True;OnChange = Handle;OnDblClick = Handle|"
         "Text: TLabel;Caption = 'C';FocusControl = Edit|"
         "Panel: TPanel;PopupMenu = Menu;Caption = 'C'|"
         "Menu: TPopupMenu|"
@@ -662,6 +683,7 @@ TEST_F(Controls, AreReadFromFormFiles) {
     TFormTextPrinter printer(stored, layout);
     TReader again(stream.Text());
     ReadFormBinary(again, printer);
+    UnRegisterClasses(classes);
     // The places of controls are stored always; they are not what is asked here.
     ForEachLine(stored, [&kept](std::string_view line) {
         bool place = false;

@@ -163,6 +163,94 @@ TEST_F(Forms, ShortCutsGoToTheMenuBeforeTheActions) {
     EXPECT_EQ(Log, "action action item ");
 }
 
+TEST_F(Forms, AreAskedBeforeTheyClose) {
+    TForm form;
+    bool allow = false;
+    auto query = [&](TObject*, bool& canClose) {
+        EXPECT_TRUE(std::exchange(canClose, allow));
+        Log += "query" + std::to_string(form.ModalResult) + " ";
+    };
+    auto close = [&](TObject*) { Log += form.Visible() ? "close " : "late "; };
+    auto show = [&](TObject*) { Log += "show "; };
+    form.SetCaption("form");
+    form.OnCloseQuery = TCloseQueryEvent::Calling(query);
+    form.OnClose = TNotifyEvent::Calling(close);
+    form.OnShow = TNotifyEvent::Calling(show);
+    const auto log = [this] { return std::exchange(Log, {}); };
+    form.Show();
+    form.Show();
+    EXPECT_FALSE(form.Close());
+    EXPECT_TRUE(form.Visible());
+    allow = true;
+    EXPECT_TRUE(form.Close());
+    EXPECT_FALSE(form.Visible());
+    EXPECT_EQ(log(), "show form query0 query0 close none ");
+
+    int turn = 0;
+    auto modal = [&](TForm& shown) {
+        EXPECT_TRUE(shown.Visible() && shown.ModalResult == mrNone);
+        switch (turn++) {
+        case 0: // refused by the query
+            allow = false;
+            shown.ModalResult = mrOk;
+            break;
+        case 1: // refused at once, then gives up
+            EXPECT_FALSE(shown.Close());
+            break;
+        case 2:
+            allow = true;
+            shown.ModalResult = mrYes;
+            break;
+        case 3: // asked once
+            EXPECT_TRUE(shown.Close() && shown.Visible());
+            break;
+        default:
+            throw EInvalidOperation("modal");
+        }
+    };
+    EXPECT_EQ(form.ShowModal(), mrCancel); // with nobody there
+    EXPECT_EQ(log(), "show form query2 close none ");
+    App->OnModal = TMethod<void(TForm&)>::Calling(modal);
+    EXPECT_EQ(form.ShowModal(), mrCancel); // whatever the query says
+    EXPECT_EQ(log(), "show form query1 query2 query2 close none ");
+    EXPECT_EQ(form.ShowModal(), mrYes);
+    EXPECT_EQ(form.ShowModal(), mrCancel);
+    EXPECT_EQ(log(), "show form query6 close none show form query2 close none ");
+    EXPECT_THROW(form.ShowModal(), EInvalidOperation);
+    EXPECT_FALSE(form.Visible());
+    EXPECT_TRUE(form.Close() && form.ModalResult == mrNone); // not modal any more
+}
+
+TEST_F(Forms, ModalFormsOutliveAFailingQueryAndMayBeFreed) {
+    auto form = std::make_unique<TForm>();
+    bool fails = true;
+    auto query = [&](TObject*, bool&) {
+        if (std::exchange(fails, false)) throw EConvertError("no number");
+    };
+    form->OnCloseQuery = TCloseQueryEvent::Calling(query);
+    int turn = 0;
+    auto modal = [&](TForm& shown) {
+        switch (turn++) {
+        case 0:
+            shown.ModalResult = mrOk;
+            break; // the query fails, and the form stays
+        case 1:
+            EXPECT_EQ(OS.Dialogs().back().Text, "no number");
+            fails = true;
+            EXPECT_THROW(shown.Close(), EConvertError);
+            EXPECT_TRUE(shown.Visible() && shown.ModalResult == mrNone);
+            shown.ModalResult = mrYes;
+            break;
+        default:
+            form.reset();
+        }
+    };
+    App->OnModal = TMethod<void(TForm&)>::Calling(modal);
+    EXPECT_EQ(form->ShowModal(), mrYes);
+    EXPECT_EQ(form->ShowModal(), mrCancel); // freed meanwhile
+    EXPECT_EQ(turn, 3);
+}
+
 // --- Application ------------------------------------------------------------------------------
 
 template <class E> void HandleThrown(TApplication& app, const E& error, TObject* sender = nullptr) {

@@ -41,6 +41,16 @@ inline constexpr std::uint32_t MB_ICONERROR = 16, MB_ICONQUESTION = 32, MB_ICONW
                                MB_ICONINFORMATION = 64;
 enum TDialogAnswer : std::uint8_t { IDOK = 1, IDCANCEL = 2, IDYES = 6, IDNO = 7 };
 
+/// What a file dialog asks for.
+struct TFileQuestion {
+    bool Save = false;            ///< a file to write; else one that exists
+    std::string Title = {};       ///< empty for that of the system
+    std::string Filter = {};      ///< descriptions and patterns in turn, "|" between them
+    std::string FileName = {};    ///< that the dialog begins with
+    std::string DefaultExt = {};  ///< of a name without one, with or without its point
+    bool OverwritePrompt = false; ///< a file to write that exists is asked about
+};
+
 class TSystemHeap;
 class TSystemMapping;
 struct TMapArea;
@@ -81,6 +91,11 @@ public:
     virtual std::optional<std::string> ClipboardText() = 0;
     /// Replaces what the clipboard holds; none empties it.
     virtual void SetClipboardText(std::optional<std::string_view> text) = 0;
+    /// The bytes on the clipboard in a format, which is called by its media type; none when it does
+    /// not hold that.
+    virtual std::optional<std::string> ClipboardData(std::string_view format) = 0;
+    /// Replaces what the clipboard holds, be it a text.
+    virtual void SetClipboardData(std::string_view format, std::string_view bytes) = 0;
 
     virtual HKL GetKeyboardLayout() = 0;
     virtual void ActivateKeyboardLayout(HKL layout) = 0;
@@ -134,6 +149,11 @@ public:
     /// Lets the user choose a folder, beginning at `folder`; none when that is cancelled.
     virtual std::optional<std::string> SelectDirectory(std::string_view title,
                                                        std::string_view folder) = 0;
+    /// Lets the user choose a file, whose full name is the result; none when that is cancelled.
+    virtual std::optional<std::string> ChooseFile(const TFileQuestion& question) = 0;
+    /// Lets the user enter a line of text, beginning with `value`; none when that is cancelled.
+    virtual std::optional<std::string> InputText(std::string_view caption, std::string_view prompt,
+                                                 std::string_view value) = 0;
 };
 
 /// Installs an implementation, which must outlive its use, and returns the one before; null takes

@@ -406,7 +406,8 @@ public:
     using Parent = IInterface;
     static constexpr TGUID IID{"{4F859933-FDF0-445F-97E4-85B6761978DD}"};
 
-    /// The number of the binding, -1 when it is refused: its name is taken, or it binds no key.
+    /// The number of the binding, -1 when it is refused, as when its name is taken, or it binds no
+    /// key.
     virtual int AddKeyboardBinding(const TIntf<IOTAKeyboardBinding>& binding) = 0;
     virtual void RemoveKeyboardBinding(int index) = 0;
 

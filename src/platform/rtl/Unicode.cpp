@@ -15,8 +15,11 @@ bool IsLowSurrogate(char32_t c) {
     return c >= 0xDC00 && c < 0xE000;
 }
 
-void AppendUtf8(std::string& result, char32_t c) {
-    const auto append = [&](char32_t bits) { result += static_cast<char>(bits); };
+} // namespace
+
+void AppendUtf8(std::string& text, char32_t character) {
+    const char32_t c = character;
+    const auto append = [&](char32_t bits) { text += static_cast<char>(bits); };
     if (c < 0x80) return append(c);
     if (c < 0x800) {
         append(0xC0 | c >> 6);
@@ -32,7 +35,6 @@ void AppendUtf8(std::string& result, char32_t c) {
     append(0x80 | (c & 0x3F));
 }
 
-/// The character at the front of `text`, which is not empty, is taken off.
 char32_t TakeUtf8(std::string_view& text) {
     const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     const unsigned char first = byte(0);
@@ -55,8 +57,6 @@ char32_t TakeUtf8(std::string_view& text) {
     text.remove_prefix(size);
     return c;
 }
-
-} // namespace
 
 std::string Utf16ToUtf8(std::u16string_view text) {
     std::string result;

@@ -1,6 +1,7 @@
 #include "vcl/Forms.h"
 
 #include "rtl/SysUtils.h"
+#include "streaming/TFiler.h"
 #include "vcl/TButton.h"
 
 #include <algorithm>
@@ -24,6 +25,9 @@ constexpr TPropInfo FormProps[] = {
     // Unlike other controls, a form begins hidden.
     Published<&TControl::Visible, &TControl::SetVisible>("Visible", {.Default = false}),
     Published<&TForm::WindowState, &TForm::SetWindowState>("WindowState", {.Default = wsNormal}),
+    Published<&TForm::OnClose>("OnClose"),
+    Published<&TForm::OnCloseQuery>("OnCloseQuery"),
+    Published<&TForm::OnShow>("OnShow"),
 };
 
 } // namespace
@@ -53,8 +57,9 @@ TForm::~TForm() {
 }
 
 void TForm::Show() {
+    const TWeak<TForm> alive(this);
     SetVisible(true);
-    if (TheScreen) TheScreen->SetActiveForm(this);
+    if (alive && TheScreen) TheScreen->SetActiveForm(this);
 }
 
 void TForm::Hide() {
@@ -62,8 +67,10 @@ void TForm::Hide() {
 }
 
 void TForm::SetVisible(bool value) {
+    const bool appears = value && !Visible();
     TControl::SetVisible(value);
     if (!value && TheScreen && TheScreen->ActiveForm() == this) TheScreen->SetActiveForm(nullptr);
+    if (const TNotifyEvent handler = appears ? OnShow : TNotifyEvent()) handler(this);
 }
 
 void TForm::SetWindowState(TWindowState value) {
@@ -77,14 +84,80 @@ void TForm::SetFormStyle(TFormStyle value) {
 }
 
 TModalResult TForm::ShowModal() {
+    const TWeak<TForm> alive(this);
     const TWeak<TForm> before = TheScreen ? TheScreen->ActiveForm() : nullptr;
+    const auto leave = [&] {
+        if (alive) {
+            FModal = false;
+            Hide();
+        }
+        if (before && TheScreen) TheScreen->SetActiveForm(before.Get());
+    };
+    FModal = true;
     ModalResult = mrNone;
-    Show();
-    if (TheApplication && TheApplication->OnModal) TheApplication->OnModal(*this);
-    if (ModalResult == mrNone) ModalResult = mrCancel;
-    Hide();
-    if (before) TheScreen->SetActiveForm(before.Get());
-    return ModalResult;
+    FMayClose = false;
+    try {
+        Show();
+        RunModal(alive);
+        if (const TNotifyEvent handler = alive ? OnClose : TNotifyEvent()) handler(this);
+    } catch (...) {
+        leave();
+        throw;
+    }
+    const TModalResult result = alive ? ModalResult : mrCancel;
+    leave();
+    return result;
+}
+
+/// Until the form may be closed, or nobody is there to close it, or somebody has freed it.
+void TForm::RunModal(const TWeak<TForm>& alive) {
+    while (alive) {
+        if (TheApplication && TheApplication->OnModal) TheApplication->OnModal(*this);
+        if (!alive) return;
+        const bool cancelled = ModalResult == mrNone;
+        if (cancelled) ModalResult = mrCancel;
+        const bool allowed = FMayClose || AllowsClosing();
+        if (!alive || allowed || cancelled) return;
+        ModalResult = mrNone;
+    }
+}
+
+/// The query of a modal form: an error of its handler is shown, and the form stays.
+bool TForm::AllowsClosing() {
+    try {
+        return CloseQuery();
+    } catch (...) {
+        if (!TheApplication) throw;
+        TheApplication->HandleException(this);
+        return false;
+    }
+}
+
+bool TForm::CloseQuery() {
+    bool canClose = true;
+    if (const TCloseQueryEvent handler = OnCloseQuery) handler(this, canClose);
+    return canClose;
+}
+
+bool TForm::Close() {
+    const TWeak<TForm> alive(this);
+    if (FModal && ModalResult == mrNone) ModalResult = mrCancel;
+    bool allowed = false;
+    try {
+        allowed = CloseQuery();
+    } catch (...) {
+        if (alive) ModalResult = mrNone;
+        throw;
+    }
+    if (!alive) return allowed;
+    FMayClose = allowed;
+    if (FModal) {
+        if (!allowed) ModalResult = mrNone;
+        return allowed;
+    }
+    if (const TNotifyEvent handler = allowed ? OnClose : TNotifyEvent()) handler(this);
+    if (alive && allowed) Hide();
+    return allowed;
 }
 
 bool TForm::IsShortCut(TShortCut shortCut) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rtl/TStrings.h"
 #include "vcl/StandardIdents.h"
 #include "vcl/TControl.h"
 #include "vcl/TMenuItem.h"
@@ -38,6 +39,13 @@ enum TModalResult : std::uint8_t {
 };
 inline constexpr TTypeInfo ModalResultType = IntegerType<std::uint8_t>("TModalResult");
 
+/// Whether the sender, a form, may be closed; `canClose` is true before.
+using TCloseQueryEvent = TMethod<void(TObject* sender, bool& canClose)>;
+inline constexpr std::string_view CloseQueryEventParams[] = {"Sender", "CanClose"};
+template <>
+inline constexpr TTypeInfo TypeInfoOf<TCloseQueryEvent> =
+    MethodType("TCloseQueryEvent", MethodSignatureOf<TCloseQueryEvent>, CloseQueryEventParams);
+
 /// A top-level window. Every form is on the list of the screen while it lives.
 class TForm : public TControl {
 public:
@@ -52,16 +60,26 @@ public:
 
     void Show(); ///< makes the form visible and active
     void Hide();
+    /// Closes the form as its user does: asks CloseQuery, then hides it; false when that is
+    /// refused. A modal form gets the result mrCancel, unless it has one, and is hidden by
+    /// ShowModal.
+    bool Close();
     void SetVisible(bool value) override;
     TWindowState WindowState() const { return FWindowState; }
     void SetWindowState(TWindowState value);
     TFormStyle FormStyle() const { return FFormStyle; }
     void SetFormStyle(TFormStyle value);
 
-    /// Shows the form until its ModalResult is set, through the application's OnModal; with nobody
-    /// there to close it, it is cancelled. The form that was active before is active again.
+    /// Shows the form until its ModalResult is set, through the application's OnModal. Then
+    /// CloseQuery is asked; when that is refused, the result is mrNone again and the form stays
+    /// open. With nobody there to close it, which is when OnModal leaves the result at mrNone, it
+    /// is cancelled even if CloseQuery refuses. The form that was active before is active again.
     TModalResult ShowModal();
     TModalResult ModalResult = mrNone;
+
+    TNotifyEvent OnShow; ///< the form becomes visible
+    TCloseQueryEvent OnCloseQuery;
+    TNotifyEvent OnClose; ///< the form is closed: the query has allowed it, and it is hidden next
 
     TControl* ActiveControl() const { return FActiveControl.Get(); }
     void SetActiveControl(TControl* control);
@@ -79,11 +97,19 @@ public:
     /// it is idle.
     void UpdateActions();
 
+protected:
+    /// Whether the form may be closed, by OnCloseQuery.
+    virtual bool CloseQuery();
+
 private:
     bool ClickButton(TShortCut key);
+    void RunModal(const TWeak<TForm>& alive);
+    bool AllowsClosing();
 
     TWindowState FWindowState = wsNormal;
     TFormStyle FFormStyle = fsNormal;
+    bool FModal = false;
+    bool FMayClose = false; ///< the query has allowed to close the modal form
     TWeak<TControl> FActiveControl;
 };
 
@@ -104,6 +130,9 @@ public:
     /// Brings the form to the front and tells OnActiveFormChange when another was active.
     void SetActiveForm(TForm* form);
 
+    /// The names of the installed fonts; a front end fills in those of the system.
+    TStrings& Fonts() { return FFonts; }
+
     int Cursor() const { return FCursor; }
     void SetCursor(int value) { FCursor = value; }
 
@@ -116,6 +145,7 @@ private:
 
     std::vector<TForm*> FForms;
     TWeak<TForm> FActiveForm;
+    TStringList FFonts{"Arial", "Courier New", "MS Sans Serif"};
     int FCursor = crDefault;
 };
 

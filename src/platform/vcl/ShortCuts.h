@@ -11,6 +11,8 @@ namespace tarn {
 
 /// A key with its modifiers: the virtual key code in the low byte, the modifiers above; 0 is none.
 using TShortCut = std::uint16_t;
+/// The type of a shortcut property, to be named in the options of its row.
+inline constexpr TTypeInfo ShortCutType = IntegerType<TShortCut>("TShortCut");
 
 inline constexpr TShortCut scShift = 0x2000;
 inline constexpr TShortCut scCtrl = 0x4000;

@@ -9,6 +9,14 @@
 namespace tarn {
 namespace {
 
+bool HasOwnFont(const TObject& instance) {
+    return static_cast<const TControl&>(instance).HasFont();
+}
+
+bool HasHint(const TObject& instance) {
+    return !static_cast<const TControl&>(instance).Hint().empty();
+}
+
 constexpr TPropInfo ControlProps[] = {
     Published<&TControl::Left, &TControl::SetLeft>("Left"),
     Published<&TControl::Top, &TControl::SetTop>("Top"),
@@ -17,6 +25,10 @@ constexpr TPropInfo ControlProps[] = {
     Published<&TControl::Enabled, &TControl::SetEnabled>("Enabled", {.Default = true}),
     Published<&TControl::Visible, &TControl::SetVisible>("Visible", {.Default = true}),
     Published<&TControl::Align, &TControl::SetAlign>("Align", {.Default = alNone}),
+    Published<&TControl::Color, &TControl::SetColor>("Color",
+                                                     {.Default = clDefault, .Type = &ColorType}),
+    Published<&TControl::FontObject>("Font", {.IsStored = HasOwnFont}),
+    Published<&TControl::Hint, &TControl::SetHint>("Hint", {.IsStored = HasHint}),
     Published<&TControl::PopupMenu, &TControl::SetPopupMenu>("PopupMenu"),
 };
 
@@ -127,9 +139,44 @@ void TControl::SetPopupMenu(TPopupMenu* value) {
     FPopupMenu = value;
 }
 
+/// The font is no part of what the control is until somebody wants another than the system's.
+TFont* TControl::FontObject() const {
+    if (!FFont) {
+        FFont = std::make_unique<TFont>();
+        FFont->OnChange = TNotifyEvent::Of<&TControl::TellFontChanged>(const_cast<TControl*>(this));
+    }
+    return FFont.get();
+}
+
+void TControl::SetColor(TColor value) {
+    FColor = value;
+    StateChanged();
+}
+
+void TControl::SetHint(std::string_view value) {
+    FHint = value;
+    StateChanged();
+}
+
 HWND TControl::Handle() {
-    if (FHandle == 0) FHandle = OS().AllocateHWnd(TWndMethod::Of<&TControl::WndProc>(this));
+    if (FHandle == 0) FHandle = OS().AllocateHWnd(TWndMethod::Of<&TControl::Dispatch>(this));
     return FHandle;
+}
+
+void TControl::SetWindowProc(TWndMethod value) {
+    FWindowProc = value ? value : OwnProc();
+}
+
+/// The procedure may take itself out, or free the control.
+void TControl::Dispatch(TMessage& message) {
+    const TWndMethod procedure = FWindowProc;
+    procedure(message);
+}
+
+std::intptr_t TControl::Perform(std::uint32_t msg, std::intptr_t wParam, std::intptr_t lParam) {
+    TMessage message{msg, wParam, lParam, 0};
+    Dispatch(message);
+    return message.Result;
 }
 
 void TControl::Invalidate() {

@@ -3,6 +3,7 @@
 #include "os/OS.h"
 #include "vcl/ShortCuts.h"
 #include "vcl/TComponent.h"
+#include "vcl/TFont.h"
 
 namespace tarn {
 
@@ -88,6 +89,17 @@ public:
     TAlign Align() const { return FAlign; }
     void SetAlign(TAlign value);
 
+    /// What a front end writes the control's text with, made when it is first asked for.
+    TFont& Font() { return *FontObject(); }
+    TFont* FontObject() const; ///< published as "Font", stored once it was asked for
+    bool HasFont() const { return FFont != nullptr; }
+    /// The colour of the control's surface; clDefault is what a front end gives its kind.
+    TColor Color() const { return FColor; }
+    void SetColor(TColor value);
+    /// What a front end shows while the mouse rests on the control.
+    const std::string& Hint() const { return FHint; }
+    void SetHint(std::string_view value);
+
     /// The menu that a front end shows for a click of the second mouse button.
     TPopupMenu* PopupMenu() const;
     void SetPopupMenu(TPopupMenu* value);
@@ -112,6 +124,15 @@ public:
     HWND Handle();
     bool HandleAllocated() const { return FHandle != 0; }
 
+    /// What all messages to the control go to, at first its own procedure. One that takes its place
+    /// calls the former one for what it does not handle itself. To set none puts the control's own
+    /// back.
+    const TWndMethod& WindowProc() const { return FWindowProc; }
+    void SetWindowProc(TWndMethod value);
+    /// Hands a message to the window procedure at once, also before there is a window, and returns
+    /// its result.
+    std::intptr_t Perform(std::uint32_t msg, std::intptr_t wParam = 0, std::intptr_t lParam = 0);
+
     /// Has the front end show what has changed.
     void StateChanged();
     void Invalidate();
@@ -121,6 +142,7 @@ public:
 
 protected:
     virtual void WndProc(TMessage& message);
+    virtual void FontChanged() { StateChanged(); }
     /// Places the child controls, here those with an Align; called when one has come, gone, or been
     /// shown or hidden, and when the size has changed.
     virtual void AlignControls();
@@ -135,6 +157,9 @@ protected:
 private:
     void SetBound(int TRect::*bound, int value);
     void LeaveParent();
+    void Dispatch(TMessage& message);
+    void TellFontChanged(TObject*) { FontChanged(); }
+    TWndMethod OwnProc() { return TWndMethod::Of<&TControl::WndProc>(this); }
 
     TControl* FParent = nullptr;
     std::vector<TControl*> FControls;
@@ -147,6 +172,10 @@ private:
     bool FAligning = false; ///< the places of the child controls are being given
     TAlign FAlign = alNone;
     TWeak<TPopupMenu> FPopupMenu;
+    mutable std::unique_ptr<TFont> FFont;
+    TColor FColor = clDefault;
+    std::string FHint;
+    TWndMethod FWindowProc = OwnProc();
     HWND FHandle = 0;
 };
 

@@ -32,6 +32,10 @@ public:
     /// In pixels: below 0 that of the characters, above 0 that of a line; 0 the system's.
     int Height() const { return FData.Height; }
     void SetHeight(int value) { Change(&TData::Height, value); }
+    /// In points, of 96 pixels to 72: that of the characters, or below 0 that of a line; 0 the
+    /// system's. What is set comes back unless it is beyond what Height holds.
+    int Size() const;
+    void SetSize(int value);
     const std::string& Name() const { return FData.Name; } ///< empty: the system's font
     void SetName(std::string_view value) { Change(&TData::Name, std::string(value)); }
     TFontPitch Pitch() const { return FData.Pitch; }

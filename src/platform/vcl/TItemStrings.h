@@ -4,9 +4,10 @@
 
 namespace tarn {
 
-/// The lines of a list control: each may be selected, one is the current one and one the anchor
-/// from which ranges are selected. All of that goes with its line when lines are inserted, deleted,
-/// moved or exchanged, and is gone after Clear, and so after Assign and SetTextStr.
+/// The lines of a list control: each may be selected and may be checked, one is the current one and
+/// one the anchor from which ranges are selected. All of that goes with its line when lines are
+/// inserted, deleted, moved or exchanged, and is gone after Clear, and so after Assign and
+/// SetTextStr.
 class TItemStrings : public TStrings {
 public:
     int Count() const override { return FItems.Count(); }
@@ -30,6 +31,8 @@ public:
     void Select(int index, bool value);
     void SelectAll(bool value);
     int SelCount() const { return FSelCount; }
+    bool Checked(int index) const { return At(index).Checked; }
+    void Check(int index, bool value) { At(index).Checked = value; }
 
     /// Calls OnChange, in an update of the lines at its end.
     void Changed();
@@ -45,6 +48,7 @@ private:
         std::string Text;
         TObject* Object = nullptr;
         bool Selected = false;
+        bool Checked = false;
     };
 
     const TItem& At(int index) const;

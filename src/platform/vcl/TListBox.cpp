@@ -1,14 +1,17 @@
 #include "vcl/TListBox.h"
 
-#include <algorithm>
-
 namespace tarn {
 namespace {
 
 constexpr TPropInfo ListBoxProps[] = {
+    Published<&TListBox::Columns, &TListBox::SetColumns>("Columns", {.Default = 0}),
     Published<&TListBox::DragMode>("DragMode", {.Default = dmManual}),
+    Published<&TListBox::IntegralHeight, &TListBox::SetIntegralHeight>("IntegralHeight",
+                                                                       {.Default = false}),
     Published<&TListBox::ItemsObject>("Items"),
     Published<&TListBox::MultiSelect, &TListBox::SetMultiSelect>("MultiSelect", {.Default = false}),
+    Published<&TListBox::Style, &TListBox::SetStyle>("Style", {.Default = lbStandard}),
+    Published<&TListBox::TopIndex, &TListBox::SetTopIndex>("TopIndex", {.Default = 0}),
     Published<&TListBox::OnClick>("OnClick"),
     Published<&TListBox::OnDblClick>("OnDblClick"),
 };
@@ -24,6 +27,26 @@ TListBox::TListBox(TComponent* owner) : TControl(owner) {
 
 TStrings* TListBox::ItemsObject() const {
     return &const_cast<TListBox*>(this)->FItems;
+}
+
+void TListBox::SetStyle(TListBoxStyle value) {
+    FStyle = value;
+    StateChanged();
+}
+
+void TListBox::SetColumns(int value) {
+    FColumns = std::max(value, 0);
+    StateChanged();
+}
+
+void TListBox::SetIntegralHeight(bool value) {
+    FIntegralHeight = value;
+    StateChanged();
+}
+
+void TListBox::SetTopIndex(int value) {
+    FTopIndex = std::clamp(value, 0, std::max(Count() - 1, 0));
+    StateChanged();
 }
 
 // --- Selection --------------------------------------------------------------------------------

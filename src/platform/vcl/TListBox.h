@@ -3,11 +3,23 @@
 #include "vcl/TControl.h"
 #include "vcl/TItemStrings.h"
 
+#include <algorithm>
+
 namespace tarn {
 
 enum TDragMode : std::uint8_t { dmManual, dmAutomatic };
 inline constexpr std::string_view DragModeNames[] = {"dmManual", "dmAutomatic"};
 template <> inline constexpr TTypeInfo TypeInfoOf<TDragMode> = EnumType("TDragMode", DragModeNames);
+
+enum TListBoxStyle : std::uint8_t {
+    lbStandard,
+    lbOwnerDrawFixed,   ///< a front end may draw the lines by itself, all of one height
+    lbOwnerDrawVariable ///< or of a height each
+};
+inline constexpr std::string_view ListBoxStyleNames[] = {"lbStandard", "lbOwnerDrawFixed",
+                                                         "lbOwnerDrawVariable"};
+template <>
+inline constexpr TTypeInfo TypeInfoOf<TListBoxStyle> = EnumType("TListBoxStyle", ListBoxStyleNames);
 
 /// Whether `source` may be dropped on the sender's line; `index` is Count behind the last line.
 /// `accept` is false before.
@@ -44,6 +56,21 @@ public:
     void ClearSelection();
     void SelectAll(); ///< nothing without MultiSelect
 
+    TListBoxStyle Style() const { return FStyle; }
+    void SetStyle(TListBoxStyle value);
+    /// In how many columns the lines are shown side by side; 0, the least, for one that scrolls
+    /// down.
+    int Columns() const { return FColumns; }
+    void SetColumns(int value);
+    /// Whether a front end shows as many whole lines as the height has room for, and no part of
+    /// one.
+    bool IntegralHeight() const { return FIntegralHeight; }
+    void SetIntegralHeight(bool value);
+    /// The first line that is shown; 0 in an empty list. An index outside the lines goes to the
+    /// nearest one.
+    int TopIndex() const { return std::clamp(FTopIndex, 0, std::max(Count() - 1, 0)); }
+    void SetTopIndex(int value);
+
     /// Clicks a line as a user does, which takes the focus. With MultiSelect, Ctrl turns the line's
     /// selection over; Shift selects the lines from the one that was clicked last without Shift;
     /// both together add those to what is selected. False, and nothing, for a line that is not
@@ -63,6 +90,10 @@ public:
     TDragOverEvent OnDragOver;
     TDragDropEvent OnDragDrop;
 
+protected:
+    TItemStrings& Lines() { return FItems; }
+    const TItemStrings& Lines() const { return FItems; }
+
 private:
     bool CanClick(int index) const { return CanFocus() && FItems.Has(index); }
     void ItemsChanged(TObject*) { StateChanged(); }
@@ -70,6 +101,10 @@ private:
 
     TItemStrings FItems;
     bool FMultiSelect = false;
+    bool FIntegralHeight = false;
+    TListBoxStyle FStyle = lbStandard;
+    int FColumns = 0;
+    int FTopIndex = 0;
 };
 
 } // namespace tarn

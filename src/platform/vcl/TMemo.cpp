@@ -7,7 +7,6 @@ namespace tarn {
 namespace {
 
 constexpr TPropInfo MemoProps[] = {
-    Published<&TMemo::FontObject>("Font"),
     Published<&TMemo::LinesObject>("Lines"),
     Published<&TMemo::ScrollBars, &TMemo::SetScrollBars>("ScrollBars", {.Default = ssNone}),
     Published<&TMemo::WordWrap, &TMemo::SetWordWrap>("WordWrap", {.Default = true}),
@@ -20,11 +19,6 @@ constinit const TClassRecord TMemo::ClassRecord{"TMemo", &TCustomEdit::ClassReco
 
 TMemo::TMemo(TComponent* owner) : TCustomEdit(owner) {
     FLines.OnChange = TNotifyEvent::Of<&TMemo::LinesChanged>(this);
-    FFont.OnChange = TNotifyEvent::Of<&TMemo::FontChanged>(this);
-}
-
-TFont* TMemo::FontObject() const {
-    return &const_cast<TMemo*>(this)->FFont;
 }
 
 TStrings* TMemo::LinesObject() const {
@@ -56,10 +50,14 @@ void TMemo::Store(const std::string& text) {
     StateChanged();
 }
 
+std::string_view TMemo::EnterText() const {
+    return LineBreak;
+}
+
 void TMemo::LinesChanged(TObject*) {
     if (FStoring) return;
     FTextKnown = false;
-    ForgetSelection();
+    ForgetEditing();
     StateChanged();
     Changed();
 }

@@ -2,7 +2,6 @@
 
 #include "rtl/TStrings.h"
 #include "vcl/TEdit.h"
-#include "vcl/TFont.h"
 
 namespace tarn {
 
@@ -32,8 +31,6 @@ public:
     void SetWordWrap(bool value);
     TScrollStyle ScrollBars() const { return FScrollBars; }
     void SetScrollBars(TScrollStyle value);
-    TFont& Font() { return FFont; }
-    TFont* FontObject() const; ///< published as "Font"
 
     /// Enter breaks the line, unless the text is read-only.
     bool WantsKey(TShortCut key) const override { return key == VK_RETURN && !ReadOnly(); }
@@ -41,10 +38,10 @@ public:
 protected:
     std::string Kept(std::string_view text) const override;
     void Store(const std::string& text) override;
+    std::string_view EnterText() const override;
 
 private:
     void LinesChanged(TObject*);
-    void FontChanged(TObject*) { StateChanged(); }
 
     TStringList FLines;
     bool FStoring = false; ///< the lines follow the text
@@ -52,7 +49,6 @@ private:
     mutable std::string FText; ///< of the lines, when it is known
     bool FWordWrap = true;
     TScrollStyle FScrollBars = ssNone;
-    TFont FFont;
 };
 
 } // namespace tarn

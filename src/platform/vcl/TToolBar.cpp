@@ -15,7 +15,7 @@ bool HasOwnWidth(const TObject& instance) {
 constexpr TPropInfo ToolButtonProps[] = {
     Published<&TToolButton::Caption, &TToolButton::SetCaption>("Caption"),
     Published<&TToolButton::Down, &TToolButton::SetDown>("Down", {.Default = false}),
-    Published<&TToolButton::Hint, &TToolButton::SetHint>("Hint"),
+    Published<&TControl::Hint, &TControl::SetHint>("Hint"),
     Published<&TToolButton::ImageIndex, &TToolButton::SetImageIndex>("ImageIndex", {.Default = -1}),
     Published<&TToolButton::Style, &TToolButton::SetStyle>("Style", {.Default = tbsButton}),
     Published<&TToolButton::Width, &TToolButton::SetWidth>("Width", {.IsStored = HasOwnWidth}),
@@ -38,11 +38,6 @@ constinit const TClassRecord TToolBar::ClassRecord{"TToolBar", &TControl::ClassR
                                                    CreateObject<TToolBar>, ToolBarProps};
 
 // --- TToolButton ------------------------------------------------------------------------------
-
-void TToolButton::SetHint(std::string_view value) {
-    FHint = value;
-    StateChanged();
-}
 
 void TToolButton::SetDown(bool value) {
     FDown = value;
@@ -74,7 +69,7 @@ void TToolButton::SetWidth(int value) {
 
 TActionState TToolButton::State() const {
     return {.Caption = Caption(),
-            .Hint = FHint,
+            .Hint = Hint(),
             .Checked = FDown,
             .Enabled = Enabled(),
             .Visible = Visible(),

@@ -29,8 +29,6 @@ public:
 
     const std::string& Caption() const { return Text(); }
     void SetCaption(std::string_view value) { SetText(value); }
-    const std::string& Hint() const { return FHint; }
-    void SetHint(std::string_view value);
     bool Down() const { return FDown; }
     void SetDown(bool value);
     int ImageIndex() const { return FImageIndex; }
@@ -67,7 +65,6 @@ private:
     void ActionGone() override { FAction = nullptr; }
 
     TAction* FAction = nullptr;
-    std::string FHint;
     bool FDown = false;
     int FImageIndex = -1;
     TToolButtonStyle FStyle = tbsButton;

@@ -106,6 +106,35 @@ std::optional<std::string> TConsoleDialogs::SelectDirectory(std::string_view tit
     return std::nullopt;
 }
 
+std::optional<std::string> TConsoleDialogs::ChooseFile(const TFileQuestion& question) {
+    namespace fs = std::filesystem;
+    std::string text = Plain(question.Title.empty() ? "File" : question.Title);
+    if (!question.FileName.empty()) text += ", from " + Plain(question.FileName);
+    text += " (an empty line cancels)";
+    while (const auto line = Ask(text)) {
+        if (line->empty()) break;
+        std::error_code error;
+        const fs::path chosen =
+            fs::absolute(fs::path(question.FileName).parent_path() / *line, error);
+        if (!error &&
+            (question.Save ? !fs::is_directory(chosen, error) : fs::is_regular_file(chosen, error)))
+            return chosen.lexically_normal().string();
+        FOut << Plain(*line) << " is no file\n";
+    }
+    FOut << "cancelled\n";
+    return std::nullopt;
+}
+
+std::optional<std::string> TConsoleDialogs::InputText(std::string_view caption,
+                                                      std::string_view prompt,
+                                                      std::string_view value) {
+    std::string question = Plain(caption) + ": " + Plain(prompt);
+    if (!value.empty()) question += " [" + Plain(value) + "]";
+    const auto line = Ask(question);
+    if (!line) FOut << "cancelled\n";
+    return line && line->empty() ? std::string(value) : line;
+}
+
 std::optional<std::string> TConsoleDialogs::Ask(std::string_view question) {
     FOut << question << ": " << std::flush;
     std::string line;

@@ -41,6 +41,12 @@ public:
     /// Asks for an existing folder, whose full name is the result; none when that is cancelled. A
     /// relative name begins at `folder`, or at the current one when that is empty.
     std::optional<std::string> SelectDirectory(std::string_view title, std::string_view folder);
+    /// Asks for a file, which exists unless it is to be saved, and whose full name is the result;
+    /// none when that is cancelled. A relative name begins at the folder of the question's.
+    std::optional<std::string> ChooseFile(const TFileQuestion& question);
+    /// Asks for a line of text; none when nobody is there. An empty line is the text that there is.
+    std::optional<std::string> InputText(std::string_view caption, std::string_view prompt,
+                                         std::string_view value);
 
 private:
     /// A line of the user's without the blanks around it; none when there is nobody to ask.

@@ -137,6 +137,22 @@ std::string TPortableOS::KeyName(TVirtualKey key) {
     return {};
 }
 
+// --- The clipboard ----------------------------------------------------------------------------
+
+void TPortableOS::SetClipboardText(std::optional<std::string_view> text) {
+    SetClipboardData(text ? TextFormat : std::string_view(), text.value_or(std::string_view()));
+}
+
+std::optional<std::string> TPortableOS::ClipboardData(std::string_view format) {
+    if (FClipboardFormat.empty() || format != FClipboardFormat) return std::nullopt;
+    return FClipboard;
+}
+
+void TPortableOS::SetClipboardData(std::string_view format, std::string_view bytes) {
+    FClipboard = bytes; // before the format, which alone says that it is there
+    FClipboardFormat = format;
+}
+
 // --- The rest ---------------------------------------------------------------------------------
 
 std::string TPortableOS::GetModuleFileName() {
@@ -169,14 +185,53 @@ TDialogAnswer TPortableOS::MessageBox(HWND, std::string_view text, std::string_v
     return *answer;
 }
 
+template <class F>
+std::optional<std::string> TPortableOS::AnswerText(std::deque<std::string>& queue,
+                                                   std::string_view caption, F&& ask) {
+    std::optional<std::string> answer = Take(queue);
+    const bool onConsole = !answer && FConsole;
+    if (onConsole) answer = ask(*FConsole);
+    FDialogs.push_back(
+        {std::string(caption), answer.value_or(""), 0, answer ? IDOK : IDCANCEL, onConsole});
+    return answer;
+}
+
 std::optional<std::string> TPortableOS::SelectDirectory(std::string_view title,
                                                         std::string_view folder) {
-    std::optional<std::string> chosen = Take(FFolders);
-    const bool onConsole = !chosen && FConsole;
-    if (onConsole) chosen = FConsole->SelectDirectory(title, folder);
-    FDialogs.push_back(
-        {std::string(title), chosen.value_or(""), 0, chosen ? IDOK : IDCANCEL, onConsole});
-    return chosen;
+    return AnswerText(FFolders, title, [&](TConsoleDialogs& console) {
+        return console.SelectDirectory(title, folder);
+    });
+}
+
+namespace {
+
+/// The name, with the extension when it has none.
+std::string WithExtension(std::string name, std::string_view extension) {
+    if (extension.empty() || !ExtractFileExt(name).empty()) return name;
+    if (!extension.starts_with('.')) name += '.';
+    return name.append(extension);
+}
+
+} // namespace
+
+std::optional<std::string> TPortableOS::ChooseFile(const TFileQuestion& question) {
+    const auto ask = [&](TConsoleDialogs& console) { return console.ChooseFile(question); };
+    while (auto chosen = AnswerText(FFiles, question.Title, ask)) {
+        const std::string file = WithExtension(std::move(*chosen), question.DefaultExt);
+        std::error_code error;
+        if (!question.Save || !question.OverwritePrompt || !std::filesystem::exists(file, error) ||
+            MessageBox(0, file + " exists already. Replace it?", question.Title,
+                       MB_YESNO | MB_ICONWARNING) == IDYES)
+            return file;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> TPortableOS::InputText(std::string_view caption, std::string_view prompt,
+                                                  std::string_view value) {
+    return AnswerText(FInputs, caption, [&](TConsoleDialogs& console) {
+        return console.InputText(caption, prompt, value);
+    });
 }
 
 } // namespace tarn

@@ -28,8 +28,10 @@ public:
     bool SetTimer(HWND window, std::intptr_t id, std::uint32_t interval) override;
     void KillTimer(HWND window, std::intptr_t id) override;
 
-    std::optional<std::string> ClipboardText() override { return FClipboard; }
-    void SetClipboardText(std::optional<std::string_view> text) override { FClipboard = text; }
+    std::optional<std::string> ClipboardText() override { return ClipboardData(TextFormat); }
+    void SetClipboardText(std::optional<std::string_view> text) override;
+    std::optional<std::string> ClipboardData(std::string_view format) override;
+    void SetClipboardData(std::string_view format, std::string_view bytes) override;
 
     HKL GetKeyboardLayout() override { return FLayout; }
     void ActivateKeyboardLayout(HKL layout) override;
@@ -63,8 +65,15 @@ public:
     /// Takes the oldest queued folder; without one that of the console, or none.
     std::optional<std::string> SelectDirectory(std::string_view title,
                                                std::string_view folder) override;
+    /// Takes the oldest queued file; without one that of the console, or none. A file that exists
+    /// and is not to be overwritten is asked about by a message box: when that is refused, the next
+    /// one is taken.
+    std::optional<std::string> ChooseFile(const TFileQuestion& question) override;
+    /// Takes the oldest queued input; without one that of the console, or none.
+    std::optional<std::string> InputText(std::string_view caption, std::string_view prompt,
+                                         std::string_view value) override;
 
-    /// One message box that was shown.
+    /// One dialog that was shown; the text of one that asks for more than a button is the answer.
     struct TShownDialog {
         std::string Caption;
         std::string Text;
@@ -85,6 +94,8 @@ public:
     void SetCapture(HWND window) { FCapture = window; }
     void QueueAnswer(TDialogAnswer answer) { FAnswers.push_back(answer); }
     void QueueFolder(std::string_view folder) { FFolders.emplace_back(folder); }
+    void QueueFile(std::string_view file) { FFiles.emplace_back(file); }
+    void QueueInput(std::string_view text) { FInputs.emplace_back(text); }
     /// Shows the dialogs for which no answer is queued; must outlive the object. Null, as it is at
     /// first, shows them nowhere.
     void SetConsole(TConsoleDialogs* console) { FConsole = console; }
@@ -105,6 +116,13 @@ public:
     static std::string UserRegistryFile();
 
 private:
+    static constexpr std::string_view TextFormat = "text/plain";
+
+    /// What the oldest entry of a queue, or else the console's `ask`, says to a dialog.
+    template <class F>
+    std::optional<std::string> AnswerText(std::deque<std::string>& queue, std::string_view caption,
+                                          F&& ask);
+
     struct TPosted {
         HWND Window;
         TMessage Message;
@@ -122,7 +140,8 @@ private:
     std::deque<TPosted> FQueue;
     std::vector<TTimerEntry> FTimers; ///< in the order in which they were set
     std::uint64_t FTime = 0;          ///< milliseconds since the object was made
-    std::optional<std::string> FClipboard;
+    std::string FClipboardFormat;     ///< empty when the clipboard is
+    std::string FClipboard;
     HWND FLastWindow = 0;
     HKL FLayout = LayoutUSEnglish;
     std::vector<HKL> FLayoutsActivated;
@@ -130,6 +149,8 @@ private:
     HWND FCapture = 0;
     std::deque<TDialogAnswer> FAnswers;
     std::deque<std::string> FFolders;
+    std::deque<std::string> FFiles;
+    std::deque<std::string> FInputs;
     TConsoleDialogs* FConsole = nullptr;
     std::vector<TShownDialog> FDialogs;
     std::string FModuleFileName;
