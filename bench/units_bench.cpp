@@ -18,10 +18,14 @@
 namespace tarn {
 namespace {
 
-/// An IDE with so many units, the pack and the window of the open units.
+constexpr std::int64_t UnitsInFolder = 100;
+
+/// An IDE with the pack, and so many files of units that are not open yet.
 class TUnitWorld {
 public:
-    explicit TUnitWorld(std::int64_t units) : FFormerOS(InstallOS(&FOS)) {
+    /// \param inFolder the most units of one folder: the IDE looks through it for each unit's form
+    explicit TUnitWorld(std::int64_t units, std::int64_t inFolder = UnitsInFolder)
+        : FFormerOS(InstallOS(&FOS)) {
         FOS.SetModuleFileName((FFolder.Path() / "package").string());
         FIde = std::make_unique<TIde>();
         FIde->Packages().Load({InitializePackage, Register, FinalizePackage});
@@ -30,13 +34,11 @@ public:
         for (std::int64_t i = 0; i < units; ++i) {
             const std::string name =
                 Format("Unit%x_%d.pas", {static_cast<int>(random() % 100'000), i});
-            // The IDE looks through the folder of each unit for its form.
-            const std::filesystem::path folder = FFolder.Path() / std::to_string(i / 100);
+            const std::filesystem::path folder = FFolder.Path() / std::to_string(i / inFolder);
             std::filesystem::create_directories(folder);
             std::ofstream(folder / name) << "unit;\n";
-            FIde->Modules().OpenUnit((folder / name).string());
+            FFiles.push_back((folder / name).string());
         }
-        FIde->PressKey(TextToShortCut("Ctrl+Shift+Q"));
         const TExpObjectList& list = *TExpManager::Instance()->ExpObjects();
         FManager = ClassCast<TUnitManager>(list.Get(list.IndexOf("UnitManager")).Expert.Get());
     }
@@ -46,7 +48,14 @@ public:
         FIde.reset();
         InstallOS(FFormerOS);
     }
-    TUnitForm& Form() { return *FManager->Form(); }
+    void OpenUnits() {
+        for (const std::string& file : FFiles) FIde->Modules().OpenUnit(file);
+    }
+    /// The window of the open units.
+    TUnitForm& Form() {
+        if (!FManager->Form()) FIde->PressKey(TextToShortCut("Ctrl+Shift+Q"));
+        return *FManager->Form();
+    }
     TIde& Ide() { return *FIde; }
 
 private:
@@ -54,6 +63,7 @@ private:
     TPortableOS FOS;
     TOperatingSystem* FFormerOS;
     std::unique_ptr<TIde> FIde;
+    std::vector<std::string> FFiles;
     TUnitManager* FManager = nullptr;
 };
 
@@ -81,6 +91,7 @@ void MoveEverySecond(TUnitForm& form) {
 /// With what the edit window does when it is asked for its tabs afterwards.
 void Units(benchmark::State& state, TOperation operation) {
     TUnitWorld world(state.range(0));
+    world.OpenUnits();
     for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         state.PauseTiming();
         world.Form().PopulateUnitList();
@@ -92,19 +103,42 @@ void Units(benchmark::State& state, TOperation operation) {
         state.SkipWithError("a tab is lost");
 }
 
-/// All units by their names.
-void CloseAll(benchmark::State& state) {
+/// One run of `operation` on a world of its own, which `prepare` has made ready.
+template <class P, class O>
+void Once(benchmark::State& state, std::int64_t inFolder, P prepare, O operation) {
     for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         state.PauseTiming();
-        auto world = std::make_unique<TUnitWorld>(state.range(0));
-        world->Form().UnitList().SelectAll();
+        auto world = std::make_unique<TUnitWorld>(state.range(0), inFolder);
+        prepare(*world);
         state.ResumeTiming();
-        world->Form().CloseUnits();
+        const bool done = operation(*world);
         state.PauseTiming();
-        if (world->Ide().Modules().Count() > 0) state.SkipWithError("not all are closed");
+        if (!done) state.SkipWithError("not all units are open, or closed");
         world.reset();
         state.ResumeTiming();
     }
+}
+
+void OpenAll(benchmark::State& state, std::int64_t inFolder) {
+    Once(
+        state, inFolder, [](TUnitWorld&) {},
+        [&](TUnitWorld& world) {
+            world.OpenUnits();
+            return world.Ide().Modules().Count() == state.range(0);
+        });
+}
+
+/// All units by their names, in the order of opening or in another one.
+void CloseAll(benchmark::State& state, bool sorted) {
+    const auto prepare = [=](TUnitWorld& world) {
+        world.OpenUnits();
+        if (sorted) world.Form().SortUnits();
+        world.Form().UnitList().SelectAll();
+    };
+    Once(state, UnitsInFolder, prepare, [](TUnitWorld& world) {
+        world.Form().CloseUnits();
+        return world.Ide().Modules().Count() == 0;
+    });
 }
 
 void Sizes(benchmark::internal::Benchmark* bench) {
@@ -116,7 +150,14 @@ BENCHMARK_CAPTURE(Units, Filter, Filter)->Apply(Sizes);
 BENCHMARK_CAPTURE(Units, Sort, Sort)->Apply(Sizes);
 BENCHMARK_CAPTURE(Units, WriteOrder, WriteOrder)->Apply(Sizes);
 BENCHMARK_CAPTURE(Units, MoveEverySecond, MoveEverySecond)->Apply(Sizes);
-BENCHMARK(CloseAll)->Arg(1'000)->Arg(10'000)->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void OnceEach(benchmark::internal::Benchmark* bench) {
+    bench->Arg(1'000)->Arg(10'000)->Iterations(1)->Unit(benchmark::kMillisecond);
+}
+BENCHMARK_CAPTURE(OpenAll, InManyFolders, UnitsInFolder)->Apply(OnceEach);
+BENCHMARK_CAPTURE(OpenAll, InOneFolder, 1'000'000)->Apply(OnceEach);
+BENCHMARK_CAPTURE(CloseAll, AsOpened, false)->Apply(OnceEach);
+BENCHMARK_CAPTURE(CloseAll, Sorted, true)->Apply(OnceEach);
 
 } // namespace
 } // namespace tarn

@@ -192,6 +192,26 @@ TEST_F(ModulesTest, ShowingAForm) {
     EXPECT_EQ(form->GetForm(), nullptr);
 }
 
+TEST_F(ModulesTest, NamesOfAFolder) {
+    using namespace std::chrono_literals;
+    for (const std::string_view name : {"x.dfm", "X.DFM", "X.dfm"}) Write(name, "");
+    TFolderCache cache;
+    for (const auto& [wanted, found] : {std::pair("X.dfm", "X.dfm"), {"x.DFM", "X.DFM"}, {"x", ""}})
+        EXPECT_EQ(cache.Read(Folder).Find(wanted), found);
+    EXPECT_EQ(cache.Read(Folder / "none").Find("x.dfm"), "");
+
+    // A folder whose time is that of the last reading: only a time long past vouches for its names.
+    for (const auto& [age, found] : {std::pair(3600s, ""), {1s, "new"}}) {
+        const auto time = std::filesystem::file_time_type::clock::now() - age;
+        std::filesystem::remove(Folder / "new");
+        std::filesystem::last_write_time(Folder, time);
+        EXPECT_EQ(cache.Read(Folder).Find("NEW"), "");
+        Write("new", "");
+        std::filesystem::last_write_time(Folder, time);
+        EXPECT_EQ(cache.Read(Folder).Find("NEW"), found);
+    }
+}
+
 // --- Tabs -------------------------------------------------------------------------------------
 
 TEST_F(ModulesTest, TabsOfOthersMaking) {
@@ -221,6 +241,14 @@ TEST_F(ModulesTest, TabsOfOthersMaking) {
     EXPECT_EQ(Text(), "C.pas");
     EXPECT_FALSE(Ide->ActivateTab("D.pas"));
     control.Tabs().Delete(3);
+
+    Ide->ActivateTab(0); // one in the place of another, which comes back when it is needed
+    control.Tabs().Delete(1);
+    control.Tabs().Insert(1, "strange");
+    Ide->EditWindow().ShowBuffer(Ide->Modules().Items(1).Source());
+    EXPECT_EQ(Tabs(), (Strings{"A.pas", "strange", "C.pas", ">B.pas"}));
+    control.Tabs().Move(3, 1);
+    control.Tabs().Delete(2);
 
     Ide->ActivateTab(1);
     Ide->Modules().Close(*Ide->CurrentModule()); // its neighbour takes its place
@@ -263,6 +291,8 @@ TEST_F(ModulesTest, SaveAsTakesTheFormAlong) {
     EXPECT_EQ(Read("New.pas") + Read("New.dfm"), "abcobject Form1: TForm1");
     EXPECT_EQ(Editors(module), (Strings{"source New.pas", "form New.dfm"}));
     EXPECT_EQ(Tabs(), (Strings{"New.pas", ">Other.pas"}));
+    EXPECT_EQ(Ide->Modules().Find(Path("New.pas")), &module);
+    EXPECT_FALSE(Ide->Modules().Find(Path("Unit1.pas")));
 }
 
 // --- Projects ---------------------------------------------------------------------------------

@@ -8,10 +8,11 @@ using Strings = std::vector<std::string>;
 /// A key binding that writes its name down and answers as told.
 class TTestBinding : public TInterfacedObject<IOTAKeyboardBinding> {
 public:
-    TTestBinding(std::string_view name, TShortCut key, TKeyBindingResult answer, Strings& trace)
-        : FName(name), FKey(key), FAnswer(answer), FTrace(trace) {}
+    TTestBinding(std::string_view name, TShortCut key, TKeyBindingResult answer, TBindingType type,
+                 Strings& trace)
+        : FName(name), FKey(key), FAnswer(answer), FType(type), FTrace(trace) {}
 
-    TBindingType GetBindingType() override { return btPartial; }
+    TBindingType GetBindingType() override { return FType; }
     std::string GetDisplayName() override { return FName; }
     std::string GetName() override { return FName; }
     void BindKeyboard(const TIntf<IOTAKeyBindingServices>& services) override {
@@ -34,6 +35,7 @@ private:
     std::string FName;
     TShortCut FKey;
     TKeyBindingResult FAnswer;
+    TBindingType FType;
     Strings& FTrace;
 };
 
@@ -63,8 +65,9 @@ constexpr TShortCut TestKey = scCtrl | scAlt | 'K';
 
 class KeyTest : public IdeTest {
 protected:
-    TTestBinding* Bind(std::string_view name, TKeyBindingResult answer, TShortCut key = TestKey) {
-        auto* const binding = new TTestBinding(name, key, answer, Trace);
+    TTestBinding* Bind(std::string_view name, TKeyBindingResult answer, TShortCut key = TestKey,
+                       TBindingType type = btPartial) {
+        auto* const binding = new TTestBinding(name, key, answer, type, Trace);
         Numbers.push_back(IDEService<IOTAKeyboardServices>()->AddKeyboardBinding(
             TIntf<IOTAKeyboardBinding>(binding)));
         return binding;
@@ -122,14 +125,38 @@ TEST_F(KeyTest, BindingsNeedTheFocusOfTheEditor) {
     EXPECT_EQ(Text(), "abc");
 }
 
+/// A binding that asks for keys that it cannot have, and for one too late.
+class TGreedyBinding : public TTestBinding {
+public:
+    using TTestBinding::TTestBinding;
+    void BindKeyboard(const TIntf<IOTAKeyBindingServices>& services) override {
+        const auto handler = TKeyBindingProc::Of<&TTestBinding::KeyProc>(this);
+        EXPECT_FALSE(Ask(*services, 2, handler));
+        EXPECT_FALSE(Ask(*services, 0, handler));
+        EXPECT_FALSE(Ask(*services, 1, {}));
+        EXPECT_TRUE(Ask(*services, 1, handler));
+        Kept = services;
+    }
+    static bool Ask(IOTAKeyBindingServices& services, std::size_t keys, TKeyBindingProc handler) {
+        constexpr TShortCut some[] = {TestKey, TestKey};
+        return services.AddKeyBinding({some, keys}, handler, nullptr, 0, "keyboard", "item");
+    }
+    TIntf<IOTAKeyBindingServices> Kept;
+};
+
 TEST_F(KeyTest, RefusedBindings) {
     Bind("a", krHandled);
     Bind("b", krHandled, 0); // binds no key
     Bind("a", krHandled);    // name taken
+    Bind("d", krHandled, TestKey, btComplete);
     Bind("c", krHandled);
-    EXPECT_EQ(Numbers, (std::vector<int>{0, -1, -1, 1}));
+    EXPECT_EQ(Numbers, (std::vector<int>{0, -1, -1, -1, 1}));
     EXPECT_EQ(Ide->Keyboard().Count(), 2);
     EXPECT_THROW(Ide->Keyboard().Remove(7), EListError);
+    auto* const greedy = new TGreedyBinding("e", 0, krHandled, btPartial, Trace);
+    Ide->Keyboard().Add(TIntf<IOTAKeyboardBinding>(greedy));
+    EXPECT_FALSE(
+        TGreedyBinding::Ask(*greedy->Kept, 1, TKeyBindingProc::Of<&TTestBinding::KeyProc>(greedy)));
 }
 
 TEST_F(KeyTest, ABindingMayRemoveOthersAndFail) {

@@ -1,6 +1,5 @@
 #include "Modules/FileNames.h"
 
-#include "Projects/ProjectFile.h"
 #include "TextStore/TextFile.h"
 #include "rtl/SysUtils.h"
 
@@ -27,14 +26,6 @@ bool HasExtension(std::string_view fileName, std::span<const std::string_view> e
     return std::any_of(extensions.begin(), extensions.end(), [&](std::string_view extension) {
         return SameText(ExtractFileExt(fileName), extension);
     });
-}
-
-std::string FindSibling(const std::string& fileName, std::string_view extension) {
-    const fs::path file(fileName);
-    const fs::path sibling =
-        ResolveProjectPath(file.parent_path(), file.stem().string() + std::string(extension));
-    std::error_code error;
-    return fs::is_regular_file(sibling, error) ? sibling.string() : std::string();
 }
 
 void CopyFile(const std::string& from, const std::string& to) {

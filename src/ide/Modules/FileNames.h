@@ -20,9 +20,6 @@ std::string NormalFileName(std::string_view fileName);
 bool IsSameFile(std::string_view a, std::string_view b);
 /// Whether the file name has one of the extensions, without case.
 bool HasExtension(std::string_view fileName, std::span<const std::string_view> extensions);
-/// The file of the same stem with that extension that stands in the same folder, in any letter
-/// case; empty when there is none.
-std::string FindSibling(const std::string& fileName, std::string_view extension);
 /// Replaces `to` by a copy, at once or not at all. Raises EFileError.
 void CopyFile(const std::string& from, const std::string& to);
 

@@ -16,7 +16,7 @@ public:
     /// Gives the editor to another module, which owns it from now on.
     void SetModule(TIdeModule& module) { FModule = &module; }
     const std::string& FileName() const { return FFileName; }
-    void SetFileName(std::string_view value) { FFileName = value; }
+    virtual void SetFileName(std::string_view value) { FFileName = value; }
 
     virtual bool Modified() const { return false; }
     virtual void Show() = 0; ///< brings the editor to the front

@@ -1,6 +1,7 @@
 #include "Modules/TIdeModule.h"
 
 #include "Modules/FileNames.h"
+#include "Modules/TFolderNames.h"
 #include "Modules/TProjectModule.h"
 #include "Services/OtaModules.h"
 #include "TIde.h"
@@ -20,16 +21,25 @@ TIdeModule::TIdeModule(TIde& ide, std::string_view fileName, TIdeModule* former)
 }
 
 /// Adds the form file and, to a C++ source, the header that stand beside the source.
-void TIdeModule::AddSiblings() {
+void TIdeModule::AddSiblings(TFolderCache& folders) {
     if (!HasExtension(FileName(), UnitExtensions)) return;
+    const std::filesystem::path file(FileName());
+    const TFolderNames& names = folders.Read(file.parent_path());
+    const auto sibling = [&](std::string_view extension) {
+        const std::string name = names.Find(file.stem().string() + std::string(extension));
+        std::error_code error;
+        return !name.empty() && std::filesystem::is_regular_file(file.parent_path() / name, error)
+                   ? (file.parent_path() / name).string()
+                   : std::string();
+    };
     for (const std::string_view extension : FormExtensions) {
-        const std::string form = FindSibling(FileName(), extension);
+        const std::string form = sibling(extension);
         if (form.empty()) continue;
         AddEditor(std::make_unique<TFormEditor>(*this, form));
         break;
     }
     if (!HasExtension(FileName(), CppUnitExtensions)) return;
-    if (const std::string header = FindSibling(FileName(), ".h"); !header.empty())
+    if (const std::string header = sibling(".h"); !header.empty())
         AddEditor(std::make_unique<TSourceBuffer>(*this, header));
 }
 
@@ -73,7 +83,6 @@ void TIdeModule::SaveAs(std::string_view fileName) {
         CopyFile(editor.FileName(), name);
         editor.SetFileName(name);
     }
-    FIde.EditWindow().UpdateCaptions();
 }
 
 std::vector<TProjectModule*> TIdeModule::Owners() const {

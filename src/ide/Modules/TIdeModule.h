@@ -5,6 +5,7 @@
 
 namespace tarn {
 
+class TFolderCache;
 class TIde;
 class TProjectModule;
 
@@ -46,7 +47,7 @@ protected:
 
 private:
     friend class TModuleList;
-    void AddSiblings();
+    void AddSiblings(TFolderCache& folders);
 
     TIde& FIde;
     std::vector<std::unique_ptr<TFileEditor>> FEditors;

@@ -47,15 +47,38 @@ int LineOf(std::string_view group, const TProjectGroupEntry& project) {
 } // namespace
 
 TIdeModule* TModuleList::Find(std::string_view fileName) const {
-    const std::string name = NormalFileName(fileName);
-    for (const auto& module : FModules)
-        if (module->FindSource(name)) return module.get();
-    return nullptr;
+    TSourceBuffer* const source = FSources.Find(NormalFileName(fileName));
+    return source ? &source->Module() : nullptr;
 }
+
+namespace {
+
+template <class F> void ForEachSource(const TIdeModule& module, F&& visit) {
+    for (int i = 0; i < module.EditorCount(); ++i)
+        if (auto* const source = ClassCast<TSourceBuffer>(&module.Editor(i))) visit(*source);
+}
+
+} // namespace
 
 TIdeModule& TModuleList::Add(std::unique_ptr<TIdeModule> module) {
     FModules.push_back(std::move(module));
+    ForEachSource(*FModules.back(), [&](TSourceBuffer& source) { FSources.Add(source); });
     return *FModules.back();
+}
+
+std::unique_ptr<TIdeModule> TModuleList::Take(TIdeModule& module) {
+    // What was opened last is closed first, more often than not.
+    const auto place = std::find_if(FModules.rbegin(), FModules.rend(),
+                                    [&](const auto& item) { return item.get() == &module; });
+    std::unique_ptr<TIdeModule> taken = std::move(*place);
+    FModules.erase(std::prev(place.base()));
+    ForEachSource(*taken, [&](TSourceBuffer& source) { FSources.Remove(source); });
+    return taken;
+}
+
+std::unique_ptr<TIdeModule> TModuleList::TakeFormer(const std::string& name) {
+    TIdeModule* const former = Find(name);
+    return former ? Take(*former) : nullptr;
 }
 
 // --- Opening ----------------------------------------------------------------------------------
@@ -70,7 +93,7 @@ TIdeModule& TModuleList::OpenUnit(std::string_view fileName) {
     if (TIdeModule* const open = Find(fileName)) return *open;
     auto module = std::make_unique<TIdeModule>(FIde, NormalFileName(fileName));
     module->Source().Load();
-    module->AddSiblings();
+    module->AddSiblings(FFolders);
     TIdeModule& added = Add(std::move(module));
     FIde.EditWindow().AddBuffer(added.Source());
     return added;
@@ -86,9 +109,8 @@ TIdeModule& TModuleList::OpenProject(std::string_view fileName) {
 }
 
 TProjectModule& TModuleList::AddProject(const std::string& name, TProjectFile project) {
-    TIdeModule* const former = Find(name);
-    auto module = std::make_unique<TProjectModule>(FIde, name, std::move(project), former);
-    if (former) std::erase_if(FModules, [=](const auto& item) { return item.get() == former; });
+    const std::unique_ptr<TIdeModule> former = TakeFormer(name);
+    auto module = std::make_unique<TProjectModule>(FIde, name, std::move(project), former.get());
     return static_cast<TProjectModule&>(Add(std::move(module)));
 }
 
@@ -114,9 +136,8 @@ TIdeModule& TModuleList::OpenGroup(const std::string& name) {
         }
     }
 
-    TIdeModule* const former = Find(name);
-    auto module = std::make_unique<TProjectGroupModule>(FIde, name, former);
-    if (former) std::erase_if(FModules, [=](const auto& item) { return item.get() == former; });
+    const std::unique_ptr<TIdeModule> former = TakeFormer(name);
+    auto module = std::make_unique<TProjectGroupModule>(FIde, name, former.get());
     auto& group = static_cast<TProjectGroupModule&>(Add(std::move(module)));
     for (TFound& project : found) {
         auto* const open = ClassCast<TProjectModule>(Find(project.Name));
@@ -196,13 +217,8 @@ bool TModuleList::CloseAll(bool force) {
 /// The module leaves the list and the window first, so that whoever is told of the change finds
 /// whole modules only.
 void TModuleList::Remove(TIdeModule& module) {
-    const auto place = std::find_if(FModules.begin(), FModules.end(),
-                                    [&](const auto& item) { return item.get() == &module; });
-    const std::unique_ptr<TIdeModule> last = std::move(*place);
-    FModules.erase(place);
-    for (int i = 0; i < last->EditorCount(); ++i)
-        if (auto* const source = ClassCast<TSourceBuffer>(&last->Editor(i)))
-            FIde.EditWindow().RemoveBuffer(*source);
+    const std::unique_ptr<TIdeModule> last = Take(module);
+    ForEachSource(*last, [&](TSourceBuffer& source) { FIde.EditWindow().RemoveBuffer(source); });
 }
 
 } // namespace tarn

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "Modules/TFolderNames.h"
 #include "Modules/TProjectModule.h"
+#include "Modules/TSourceIndex.h"
 
 namespace tarn {
 
@@ -19,6 +21,8 @@ public:
     auto end() const { return FModules.end(); }
     /// The module that the file is open in, as its source or its header; null when it is not open.
     TIdeModule* Find(std::string_view fileName) const;
+    /// What Find looks in; whoever renames a source brings it up to date.
+    TSourceIndex& Sources() { return FSources; }
 
     /// Opens the file and makes it current; a file that is open only becomes current.
     TIdeModule& OpenFile(std::string_view fileName);
@@ -42,9 +46,15 @@ private:
     TIdeModule& OpenGroup(const std::string& name);
     bool MayClose(TIdeModule& module) const;
     void Remove(TIdeModule& module);
+    /// Takes the module out of the list and hands it over.
+    std::unique_ptr<TIdeModule> Take(TIdeModule& module);
+    /// The same with the one that has the file open; null when there is none.
+    std::unique_ptr<TIdeModule> TakeFormer(const std::string& name);
 
     TIde& FIde;
     std::vector<std::unique_ptr<TIdeModule>> FModules;
+    TSourceIndex FSources;
+    TFolderCache FFolders;
 };
 
 } // namespace tarn

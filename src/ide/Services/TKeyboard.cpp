@@ -28,7 +28,7 @@ private:
 };
 
 int TKeyboard::Add(const TIntf<IOTAKeyboardBinding>& binding) {
-    if (!binding) return -1;
+    if (!binding || binding->GetBindingType() != btPartial) return -1;
     const std::string name = binding->GetName();
     if (std::any_of(FBindings.begin(), FBindings.end(),
                     [&](const auto& other) { return other->Name == name; }))

@@ -10,8 +10,8 @@ namespace tarn {
 /// The key bindings that wizards have added to the editor.
 class TKeyboard {
 public:
-    /// Has the binding bind its keys. Its number, from 0; -1 when its name is taken or it binds no
-    /// key.
+    /// Has the binding bind its keys. Its number, from 0; -1 when its name is taken, it binds no
+    /// key, or it is a complete one: the editor's own keys are not to be replaced.
     int Add(const TIntf<IOTAKeyboardBinding>& binding);
     /// Raises EListError for a number that no binding has.
     void Remove(int number);

@@ -20,6 +20,14 @@ void TSourceBuffer::Load() {
 
 // --- Files ------------------------------------------------------------------------------------
 
+void TSourceBuffer::SetFileName(std::string_view value) {
+    TSourceIndex& sources = Module().Ide().Modules().Sources();
+    const bool open = sources.Remove(*this);
+    TFileEditor::SetFileName(value);
+    if (open) sources.Add(*this);
+    Module().Ide().EditWindow().UpdateCaptions();
+}
+
 void TSourceBuffer::Save() {
     if (Modified()) Write(FileName(), FIdentity);
 }

@@ -19,6 +19,9 @@ public:
 
     using TFileEditor::TFileEditor;
 
+    /// The module list finds the buffer by the new name from then on, and its tab shows it.
+    void SetFileName(std::string_view value) override;
+
     /// Reads the file, once. Raises EFileError.
     void Load();
     bool IsLoaded() const { return FText.has_value(); }

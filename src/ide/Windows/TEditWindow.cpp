@@ -35,9 +35,17 @@ bool TEditWindow::EditorHasFocus() const {
 
 int TEditWindow::TabOf(const TSourceBuffer* buffer) const {
     const TStrings& tabs = FTabControl->Tabs();
-    for (int i = 0; i < tabs.Count(); ++i)
-        if (tabs.GetObject(i) == buffer) return i;
-    return -1;
+    // From the end: what was opened last is closed first, more often than not.
+    int tab = tabs.Count() - 1;
+    while (tab >= 0 && tabs.GetObject(tab) != buffer) --tab;
+    return tab;
+}
+
+/// The tab of a loaded buffer, which comes back when somebody has put one of his own in its place.
+int TEditWindow::ShownTab(TSourceBuffer& buffer) {
+    Synchronize();
+    const int tab = TabOf(&buffer);
+    return tab >= 0 ? tab : FTabControl->Tabs().AddObject(TabCaption(buffer), &buffer);
 }
 
 /// The buffer of a tab; null for a tab that somebody else has added, which may carry anything.
@@ -102,24 +110,20 @@ void TEditWindow::AddBuffer(TSourceBuffer& buffer) {
 
 void TEditWindow::ShowBuffer(TSourceBuffer& buffer) {
     AddBuffer(buffer);
-    Synchronize();
-    SetCurrent(TabOf(&buffer));
+    SetCurrent(ShownTab(buffer));
     SetActiveControl(FEditor);
     Show();
     FEditor->Invalidate();
 }
 
 void TEditWindow::RemoveBuffer(TSourceBuffer& buffer) {
-    const auto place = std::find(FBuffers.begin(), FBuffers.end(), &buffer);
-    if (place == FBuffers.end()) return;
-    Synchronize();
-    const int index = TabOf(&buffer);
-    const bool wasCurrent = FCurrent == &buffer;
-    TSourceBuffer* const current = FCurrent;
-    FBuffers.erase(place);
+    if (!FKnown.contains(&buffer)) return;
+    const int index = ShownTab(buffer);
+    const int current = FLastIndex;
+    FBuffers.erase(std::prev(std::find(FBuffers.rbegin(), FBuffers.rend(), &buffer).base()));
     FKnown.erase(&buffer);
     FTabControl->Tabs().Delete(index);
-    SetCurrent(wasCurrent ? std::min(index, FTabControl->Tabs().Count() - 1) : TabOf(current));
+    SetCurrent(index < current ? current - 1 : std::min(current, FTabControl->Tabs().Count() - 1));
     // The tab that came into the place may be a stranger's.
     if (!FCurrent && !FBuffers.empty()) SetCurrent(TabOf(FBuffers.back()));
     FEditor->Invalidate();

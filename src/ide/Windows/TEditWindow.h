@@ -45,6 +45,7 @@ private:
     void Synchronize();
     TSourceBuffer* BufferOf(int tab) const;
     int TabOf(const TSourceBuffer* buffer) const;
+    int ShownTab(TSourceBuffer& buffer);
     void SetCurrent(int index);
     void TabChosen(TObject*);
 
