@@ -93,27 +93,31 @@ void TExpManager::AddMMenuItems() {
         action->OnUpdate = data->OnUpdate;
         FExecProcs[static_cast<std::size_t>(i)] = {action, data->OnExecute};
 
-        auto* const item = new TExpMenuItem;
+        // The log or the keyboard services may fail before the menu has it.
+        auto owned = std::make_unique<TExpMenuItem>();
+        TExpMenuItem* const item = owned.get();
         NameItem(*item);
         item->ItemID = data->ItemID;
         item->SetAction(action);
         ReportDisputedKey(*data, action->ShortCut());
         FKeyBind.AddKey(item, action->ShortCut());
         item->SetImageIndex(data->ImageIndex);
-        FTopItem->Add(item);
+        FTopItem->Add(owned.release());
         MenuNotify(item, data);
     }
 }
 
-/// Has the log name a key that a command before has already. In the editor and in the menu the
-/// first one has it.
+/// Has the log name a command whose key one before has already, once. In the editor and in the menu
+/// the first one has it.
 void TExpManager::ReportDisputedKey(const TExpMenuItemData& data, TShortCut key) {
     if (key == 0) return;
     for (int i = 0; i < FTopItem->Count(); ++i) {
         const auto* const other = ClassCast<TExpMenuItem>(FTopItem->Items(i));
-        if (!other || other->ShortCut() != key || !FDisputedKeys.insert(key).second) continue;
-        WriteLogEntry(this, Exception(Format("the commands %s and %s have one key, %s",
-                                             {other->ItemID, data.ItemID, ShortCutToText(key)})));
+        if (!other || other->ShortCut() != key) continue;
+        const std::string dispute = Format("the commands %s and %s have one key, %s",
+                                           {other->ItemID, data.ItemID, ShortCutToText(key)});
+        if (FDisputes.insert(dispute).second) WriteLogEntry(this, Exception(dispute));
+        return;
     }
 }
 
@@ -165,7 +169,13 @@ void TExpManager::CreateSettingSubMenu(TMenuItem* item) {
 // --- Tearing down -----------------------------------------------------------------------------
 
 void TExpManager::DeleteExpertMenu() {
+    // The bindings go before the items that they click. Whatever the IDE says to that, none of the
+    // items stays: their handlers are about to end.
+    const TFinally items([this] { DeleteMenuItems(); });
     FKeyBind.Clear();
+}
+
+void TExpManager::DeleteMenuItems() {
     for (TWeak<TMenuItem>* item : {&FTopItem, &FLineBeforeItem, &FLineAfterItem})
         delete item->Get();
     for (std::optional<TActions>* list : {&FSettingActions, &FLanguageActions, &FActions}) {

@@ -25,6 +25,8 @@ void TBaseKeyBinding::BindKeyboard(const TIntf<IOTAKeyBindingServices>& services
 }
 
 void TBaseKeyBinding::KeyProc(IOTAKeyContext&, TShortCut, TKeyBindingResult& result) {
+    // What brings the item up to date may have the menu rebuilt, and the IDE let the binding go.
+    const TIntf<IOTAKeyboardBinding> alive(this);
     result = krHandled;
     if (FMenuItem) FMenuItem->InitiateAction();
     if (FMenuItem && FMenuItem->Enabled()) FMenuItem->Click();

@@ -5,6 +5,9 @@
 #include "TPackHarness.h"
 #include "TStubCpuWindow.h"
 #include "cpuview/TCPUForm.h"
+#include "vcl/TLabel.h"
+
+#include <limits>
 
 namespace tarn {
 namespace {
@@ -115,9 +118,14 @@ TEST_F(TCpuCapture, EachPane) {
         pane.Place = before;
     }
     ExpectRestored({Code, Data, Top});
+
+    TStringList lines; // a count with which the memory would be full before the pane is read
+    GetViewText(lines, qsStackView, std::numeric_limits<int>::max());
+    EXPECT_EQ(lines.Count(), MostPaneLines);
 }
 
 TEST_F(TCpuCapture, AllPanesKeepTheHeadingsOfThoseThatAreMissing) {
+    Window->SetName("disassemblyVIEW"); // names of components have no case
     EXPECT_EQ(Capture(qsAllViews, 1),
               "[Assembler code]\r\nSum\r\nOrchard.dpr.21: begin\r\npush ebp\r\n\r\n"
               "[Processor’s registers]\r\n\r\n"
@@ -205,6 +213,14 @@ TEST_F(TCpuCapture, WindowClosedMeanwhile) {
                   : type == qsDumpView ? "DumpView.SelectedData: the window is closed"
                                        : "DisassemblerView1.SelectedLabel: the window is closed");
     }
+    // By a pane that is put back: the others are as good as missing.
+    Window = std::make_unique<TStubCpuWindow>();
+    Window->Disassembly->OnMove = [&] {
+        if (Window->Disassembly->Place == 0) Window.reset();
+    };
+    EXPECT_EQ(Capture(qsAllViews, 1),
+              "[Assembler code]\r\n\r\n[Processor’s registers]\r\n\r\n[Processor’s flags]\r\n\r\n"
+              "[Memory dump]\r\n\r\n[Program stack]\r\n\r\n");
 }
 
 // --- The window -------------------------------------------------------------------------------
@@ -247,11 +263,21 @@ protected:
 
 TEST_F(TCpuForm, IsAsItShouldBe) {
     EXPECT_EQ(Form->Caption(), "View CPU");
+    EXPECT_TRUE(ExpData().LocalNames.find(
+                    "[TCPUFormMng]\r\nReadLineCount=Lines count##grabbed from CPU debug window\r\n"
+                    "ViewObject=Last selected##data type\r\n[TCPUViewType]\r\n"
+                    "qsDisasmView=Assembler code\r\nqsRegView=Processor registry\r\n"
+                    "qsFlagsView=Processor flags\r\nqsDumpView=Memory dump\r\n"
+                    "qsStackView=Program stack\r\nqsAllViews=All types\r\n") != std::string::npos);
     EXPECT_EQ(Form->FormStyle(), fsStayOnTop);
     TMemo& memo = Form->Memo();
     EXPECT_EQ(memo.Font().Pitch(), fpFixed);
     EXPECT_FALSE(memo.WordWrap());
     EXPECT_EQ(memo.ScrollBars(), ssVertical);
+    std::string hints;
+    for (const std::string_view button : {"tbExit", "tbGetData", "tbStrCount"})
+        hints += ClassCast<TToolButton>(Form->FindComponent(button))->Hint() + ";";
+    EXPECT_EQ(hints, "Exit;Get data from CPU window;Lines to read;");
     Form->SetBoundsRect({5, 6, 0, -1});
     EXPECT_EQ(Form->BoundsRect(), (TRect{5, 6, 437, 175}));
     EXPECT_EQ(memo.BoundsRect(), (TRect{0, 22, 437, 153}));
@@ -319,7 +345,8 @@ TEST_F(TCpuForm, CustomCounts) {
     std::size_t row = 0;
     const auto answer = [&](TForm& dialog) {
         auto& edit = static_cast<TStrCountForm&>(dialog).CountEdit();
-        preset = dialog.Caption() + ", " + IntToStr(edit.Value());
+        const auto* const label = ClassCast<TLabel>(dialog.FindComponent("CountLabel"));
+        preset = dialog.Caption() + ", " + label->Caption() + IntToStr(edit.Value());
         edit.TypeText(cases[row].Typed); // over what is selected
         EXPECT_TRUE(dialog.IsShortCut(cases[row].Key));
     };
@@ -328,7 +355,7 @@ TEST_F(TCpuForm, CustomCounts) {
         SCOPED_TRACE(cases[row].Typed);
         const int before = Manager->ReadLineCount;
         Choose(Form->StrCountMenu(), "Custom...");
-        EXPECT_EQ(preset, "Parameters, " + IntToStr(before));
+        EXPECT_EQ(preset, "Parameters, String count:" + IntToStr(before));
         EXPECT_EQ(Manager->ReadLineCount, cases[row].Expected);
         EXPECT_EQ(Form->StrCountMenu().Items()->Items(6)->Tag, row == 1 ? 35 : cases[row].Expected);
         EXPECT_TRUE(Form->StrCountMenu().Items()->Find(cases[row].Marked)->Checked());

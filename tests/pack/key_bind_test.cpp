@@ -19,9 +19,10 @@ public:
         return 9 + static_cast<int>(Held.size());
     }
     void RemoveKeyboardBinding(int index) override {
-        Log(Format("remove %d", {index}));
+        auto& binding = Held[static_cast<std::size_t>(index - 10)];
+        Log(Format("remove %d '%s'", {index, binding->GetDisplayName()}));
         if (index == BadIndex) throw EListError("no such binding");
-        Held[static_cast<std::size_t>(index - 10)] = {};
+        binding = {};
     }
     bool AddKeyBinding(std::span<const TShortCut> keys, TKeyBindingProc handler, void* context,
                        int flags, std::string_view keyboard, std::string_view item) override {
@@ -102,12 +103,15 @@ TEST_F(TKeyBindTest, ItemsAreBoundAndTakenBackNewestFirst) {
 
     Services->BadIndex = 11; // the IDE has dropped it already: the others go, the error is told
     EXPECT_THROW(Keys.Clear(), EListError);
-    EXPECT_EQ(TakeEvents(), (std::vector<std::string>{"remove 11", "remove 10"}));
+    EXPECT_EQ(TakeEvents(), (std::vector<std::string>{"remove 11 ''", "remove 10 'First'"}));
     EXPECT_EQ(Keys.Count(), 0);
     Keys.Clear();
     EXPECT_EQ(TakeEvents(), std::vector<std::string>{});
-    SetIDEServices(nullptr);
     Keys.AddKey(Item.get(), scCtrl | 'K');
+    SetIDEServices(nullptr);
+    Keys.AddKey(Item.get(), scCtrl | 'L');
+    EXPECT_EQ(Keys.Count(), 1);
+    Keys.Clear();
     EXPECT_EQ(Keys.Count(), 0);
 }
 
@@ -119,6 +123,9 @@ TEST_F(TKeyBindTest, TheKeyClicksTheItemAndGoesNoFurther) {
     Recorder.Enabled = false; // found out by the update, before the item is looked at
     EXPECT_EQ(Press(0), krHandled);
     EXPECT_EQ(TakeEvents(), std::vector<std::string>{"update"});
+    Recorder.Enabled = true;
+    Press(0);
+    EXPECT_EQ(TakeEvents().back(), "click");
     Item.reset();
     EXPECT_EQ(Press(0), krHandled);
     EXPECT_EQ(TakeEvents(), std::vector<std::string>{});
@@ -138,6 +145,7 @@ TEST(KeyBindings, FollowTheMenuAndNameDisputedKeysOnce) {
     ExpManagerSlots().SaveExpData = {};
     manager->CreateExpertMenu(); // no keyboard services: the menu stands without them
     manager->DeleteExpertMenu();
+    const std::string menu = ide.MenuText();
     const TIntf<IInterface>& former = IDEServices();
     class TBoth : public TInterfacedObject<IInterface> {
     public:
@@ -151,20 +159,23 @@ TEST(KeyBindings, FollowTheMenuAndNameDisputedKeysOnce) {
     };
     SetIDEServices(TIntf<IInterface>(new TBoth(former, held))); // which keeps the former
     TakeEvents();
-    ExpData().MenuData.Get(1)->ShortCutText = "Ctrl+;"; // as the first one has
+    for (const int same : {1, 2}) ExpData().MenuData.Get(same)->ShortCutText = "Ctrl+;";
     manager->CreateExpertMenu();
     manager->CreateExpertMenu(); // takes the first one's keys back
     std::string keys;
     for (const std::string& event : TakeEvents())
         if (event.starts_with("add") || event.starts_with("remove")) keys += event + "\n";
-    EXPECT_EQ(keys, "add Tarn&QS.ServiceDelphiWizards.qsTarnExpMenuItem1 'Command A'\n"
-                    "add Tarn&QS.ServiceDelphiWizards.qsTarnExpMenuItem2 'Command B'\n"
-                    "remove 11\nremove 10\n"
-                    "add Tarn&QS.ServiceDelphiWizards.qsTarnExpMenuItem1 'Command A'\n"
-                    "add Tarn&QS.ServiceDelphiWizards.qsTarnExpMenuItem2 'Command B'\n");
-    EXPECT_EQ(logged,
-              std::vector<std::string>{"the commands ItemA and ItemB have one key, Ctrl+;"});
+    std::string added;
+    for (const char* item : {"1 'Command A'", "2 'Command B'", "3 'Settings'"})
+        added += Format("add Tarn&QS.ServiceDelphiWizards.qsTarnExpMenuItem%s\n", {item});
+    EXPECT_EQ(keys, added + "remove 12 'Settings'\nremove 11 'Command B'\nremove 10 'Command A'\n" +
+                        added);
+    EXPECT_EQ(logged, (std::vector<std::string>{
+                          "the commands ItemA and ItemB have one key, Ctrl+;",
+                          "the commands ItemA and SettingItem have one key, Ctrl+;"}));
+    services->BadIndex = 15; // what the IDE refuses leaves no item of the pack behind
     ide.Unload();
+    EXPECT_EQ(ide.MenuText(), menu);
     SetIDEServices(nullptr);
 }
 

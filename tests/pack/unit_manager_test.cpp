@@ -178,15 +178,16 @@ TEST(UnitLines, History) {
 
 TEST(UnitLines, FilterAndSort) {
     const auto found = [](std::string_view text) {
-        TUnitLines lines = LinesOfTabs(TStringList{"b10.pas", "B9.PAS", "\xC3\x84.pas", "a\xFF"});
+        TUnitLines lines =
+            LinesOfTabs(TStringList{"b10.pas", "B9.PAS", "\xC3\x84.pas", "a\xFF", "b9.Pas"});
         FilterLines(lines, text);
         SortLines(lines, false);
         std::string captions;
         for (const TUnitLine& line : lines) captions += line.Caption + " ";
         return captions;
     };
-    EXPECT_EQ(found("PaS"), "\xC3\x84.pas b10.pas B9.PAS ");
-    EXPECT_EQ(found("9.p"), "B9.PAS ");
+    EXPECT_EQ(found("PaS"), "\xC3\x84.pas b10.pas B9.PAS b9.Pas ");
+    EXPECT_EQ(found("9.p"), "B9.PAS b9.Pas ");
     EXPECT_EQ(found("\xC3\xA4"), "\xC3\x84.pas ");
     EXPECT_EQ(found("\xFF"), "a\xFF ");
     EXPECT_EQ(found("\xFE"), "");
@@ -287,6 +288,7 @@ TEST_F(UnitManagerTest, OrderFollowsTheList) {
     Ide->ActivateTab(1);
     Show();
     EXPECT_EQ(List(), "b.pas *C.pas a.pas d.txt ");
+    Select({0});
     Form().SortUnits();
     EXPECT_EQ(Tabs() + "| " + List(), "a.pas b.pas >C.pas d.txt | a.pas b.pas *C.pas d.txt ");
     Form().SortUnits();
@@ -314,18 +316,45 @@ TEST_F(UnitManagerTest, OrderFollowsTheList) {
     Select({0, 3});
     Form().MoveItems(true);
     EXPECT_EQ(Tabs() + "| " + List(), "d.txt C.pas a.pas >e.pas | *d.txt *C.pas a.pas ");
+    EXPECT_FALSE(Form().UnitList().DragItems(1, 3));
     Manager().DragModeAllowed = true;
     Form().SetProperties();
     EXPECT_TRUE(Form().UnitList().DragItems(1, 3));
     EXPECT_EQ(Tabs() + "| " + List(), "a.pas d.txt C.pas >e.pas | a.pas *d.txt *C.pas ");
     EXPECT_EQ(Ide->CurrentBuffer()->FileName(), (Folder / "e.pas").string());
+    Form().PopulateUnitList();
+    Ide->Modules().Close(*Ide->Modules().Find((Folder / "a.pas").string()), true);
+    EXPECT_TRUE(Form().UnitList().DragItems(3, 2)); // in front of C.pas, as the list stood
+    EXPECT_EQ(Tabs() + "| " + List(), "d.txt >e.pas C.pas | d.txt *e.pas C.pas ");
 
     Ide->Modules().CloseAll(true); // and now the tab control is gone
     Form().SortUnits();
+    EXPECT_EQ(List(), "");
+    TAction command;
+    Manager().CheckShownState(&command);
+    EXPECT_FALSE(command.Enabled());
     Form().acShow().Execute();
     Form().CloseUnits();
     Form().FilterUnits();
     EXPECT_EQ(List() + Tabs(), "");
+}
+
+TEST_F(UnitManagerTest, NamesItsSettings) {
+    EXPECT_NE(ExpData().LocalNames.find(
+                  "[TUnitManager]\r\n"
+                  "DragModeAllowed=Drag selected modules by mouse\r\n"
+                  "CloseFormOnShowUnit=Close form on activate##selected unit\r\n"
+                  "FilterPanelVisible=Show filter panel\r\n"
+                  "JumpToUnitsOnApllyFilter=Move focus to modules list##after filtering\r\n"
+                  "HistoryList=Filter history\r\n"
+                  "HistoryStoredCount=Maximum lines for history\r\n"
+                  "CloseUnitShortCut=Hotkey for closing##selected module\r\n"
+                  "FilterUnitsShortCut=Hotkey for filter show\r\n"
+                  "MoveDownUnitShortCut=Hotkey for selected units##moving to the right\r\n"
+                  "MoveUpUnitShortCut=Hotkey for selected units##moving to the left\r\n"
+                  "ShowUnitShortCut=Hotkey for selected unit activation\r\n"
+                  "SortUnitsShortCut=Hotkey for modules sort\r\n"),
+              std::string::npos);
 }
 
 TEST_F(UnitManagerTest, WhatAFilterLeaves) {
@@ -349,6 +378,21 @@ TEST_F(UnitManagerTest, WhatAFilterLeaves) {
         EXPECT_EQ(Form().UnitList().Focused(), listFocused);
     }
     EXPECT_EQ(Form().FilterText().Items().GetCommaText(), "b,A.,none");
+    // What does something in the box is no command there: F1, F24, ";", Alt+R.
+    Form().FilterText().SetFocus();
+    EXPECT_TRUE(Form().FilterText().DropDown());
+    EXPECT_FALSE(Ide->PressKey(VK_RETURN)); // takes a line of the list that is open
+    Form().FilterText().CloseUp();
+    for (const auto& [key, command] :
+         {std::pair<int, bool>(0x70, true), {0x87, true}, {0xBA, false}, {scAlt | 'R', true}}) {
+        Form().acSort().SetShortCut(static_cast<TShortCut>(key));
+        const bool before = Form().SortedAscending();
+        Ide->PressKey(static_cast<TShortCut>(key));
+        EXPECT_EQ(Form().SortedAscending() != before, command) << key;
+    }
+    Manager().FilterPanelVisible = false;
+    Form().SetProperties();
+    EXPECT_TRUE(Form().UnitList().Focused());
     EXPECT_TRUE(Ide->PressKey(VK_ESCAPE));
     EXPECT_FALSE(Form().Visible());
     EXPECT_EQ(Screen()->ActiveForm(), &Ide->EditWindow());
@@ -369,7 +413,22 @@ TEST_F(UnitManagerTest, Shortcuts) {
     EXPECT_TRUE(Form().acShow().Execute());
     EXPECT_EQ(Tabs(), "b.pas >a.pas ") << "the line that was clicked is the second one";
     EXPECT_FALSE(Form().Visible());
+    Manager().CloseFormOnShowUnit = false;
+    Show();
+    Select({0});
+    EXPECT_TRUE(Form().acShow().Execute());
+    EXPECT_EQ(Tabs(), ">b.pas a.pas ");
+    EXPECT_TRUE(Form().Visible());
+    Open("c.pas");
+    Form().PopulateUnitList();
+    Select({1});
+    Ide->Modules().Close(*Ide->Modules().Find((Folder / "b.pas").string()), true);
+    EXPECT_TRUE(Form().acShow().Execute());
+    EXPECT_EQ(Tabs(), ">a.pas c.pas ") << "though its line is another one now";
+    Form().acExit().Execute();
     EXPECT_EQ(Screen()->ActiveForm(), &Ide->EditWindow());
+    Manager().FormSetting()->FormPlacement = "0,2,-1,-1,-1,-1,10,20,910,420"; // as an icon
+    EXPECT_EQ(Show().WindowState(), wsNormal);
 }
 
 TEST_F(UnitManagerTest, ClosesByName) {
@@ -392,6 +451,14 @@ TEST_F(UnitManagerTest, ClosesByName) {
     EXPECT_FALSE(Form().Closing());
     EXPECT_EQ(List(), "a.pas c.pas *e.pas ");
 
+    // A source goes with its header.
+    std::ofstream(Folder / "u.h") << "x";
+    Open("u.cpp").Module().FindSource((Folder / "u.h").string())->Show();
+    Form().PopulateUnitList();
+    Select({3, 4});
+    Form().CloseUnits();
+    EXPECT_EQ(List(), "a.pas c.pas *e.pas ");
+
     // The pack is unloaded by a message that is handled between two units.
     const std::function<void(TMessage&)> unload = [&](TMessage&) { Ide->Packages().Unload(); };
     TMessageWindow window(TWndMethod::Calling(unload));
@@ -403,30 +470,32 @@ TEST_F(UnitManagerTest, ClosesByName) {
 
 TEST_F(UnitManagerTest, ClosesOneByOne) {
     OpenAll({"a.pas", "b.pas"});
-    Open("other/b.pas", true);
+    Open("other/B.PAS", true);
     Open("c.pas");
     Show();
-    Select({0, 1}); // the other b.pas is not selected, and is open
+    Select({0, 1}); // B.PAS is not selected, and is open
     Form().CloseUnits();
     EXPECT_TRUE(Form().Closing());
     EXPECT_FALSE(Form().acClose().Execute());
-    EXPECT_EQ(Tabs(), "a.pas b.pas b.pas >c.pas ");
+    Form().CloseUnits(); // does not put them into the queue again
+    EXPECT_TRUE(Form().acMoveUp().Execute());
+    EXPECT_EQ(Tabs(), "a.pas b.pas B.PAS >c.pas ");
 
     // It waits while a question of the IDE is open, whoever has asked.
     TForm confirm;
     confirm.SetName("Confirm");
     confirm.Show();
     Tick(3);
-    EXPECT_EQ(Tabs(), "a.pas b.pas b.pas >c.pas ");
+    EXPECT_EQ(Tabs(), "a.pas b.pas B.PAS >c.pas ");
     confirm.Hide();
     Tick();
-    EXPECT_EQ(Tabs(), "a.pas >b.pas c.pas ") << "the selected one of that name";
+    EXPECT_EQ(Tabs(), "a.pas >B.PAS c.pas ") << "the selected one of that name";
     Tick();
-    EXPECT_EQ(Tabs(), ">b.pas c.pas ");
+    EXPECT_EQ(Tabs(), ">B.PAS c.pas ");
     EXPECT_TRUE(Form().Closing());
     Tick();
     EXPECT_FALSE(Form().Closing());
-    EXPECT_EQ(List(), "*b.pas c.pas ");
+    EXPECT_EQ(List(), "*B.PAS c.pas ");
     EXPECT_TRUE(Form().UnitList().Focused());
     EXPECT_FALSE(Os.NextTimer());
     EXPECT_EQ(Boxes(), 0U);

@@ -6,6 +6,7 @@
 #include "rtl/UpdateOnce.h"
 #include "vcl/Forms.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <utility>
@@ -277,6 +278,7 @@ TForm* FindCPUForm() {
 void GetViewText(TStrings& lines, TCPUViewType type, int count) {
     TForm* const form = FindCPUForm();
     if (!form) return;
+    count = std::min(count, MostPaneLines);
     UpdateOnce(lines, [&] {
         const TCPUPane& row = Panes[type];
         if (row.Read)

@@ -43,10 +43,14 @@ std::span<const TCPUPane> CPUPanes();
 /// The IDE's CPU window: the visible form called "DisassemblyView"; null when there is none.
 TForm* FindCPUForm();
 
+/// The most lines that are read of one pane, whatever count is stored: more would not be looked
+/// through, and the address space has so many that reading them would neither end nor fit.
+inline constexpr int MostPaneLines = 100'000;
+
 /// Appends the text of a pane, or of all with a heading before each and an empty line behind it.
 /// The panes are only known by the names of components and published properties. Nothing without
 /// the window; a pane that is missing has no lines; a count below 1 gives none of what is read line
-/// by line.
+/// by line, and one above MostPaneLines that many.
 ///
 /// Repainting of a pane is held back while it is read. Whatever happens, it is resumed, and what
 /// was selected in the pane is selected again. Raises EDataHandlingError naming the pane when it

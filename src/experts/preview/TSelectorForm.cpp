@@ -20,11 +20,11 @@ void TSelectorForm::FillList(TStrings& lines) {
 }
 
 void TSelectorForm::Choose(int index) {
-    TForm* const form = FForms[static_cast<std::size_t>(index)].Get();
+    const TWeak<TForm> form = FForms[static_cast<std::size_t>(index)];
     if (!form || !form->Visible()) return Populate();
     if (form->WindowState() == wsMinimized) form->SetWindowState(wsNormal);
     Hide();
-    form->Show();
+    if (form) form->Show();
 }
 
 } // namespace tarn

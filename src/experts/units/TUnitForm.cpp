@@ -329,8 +329,11 @@ void TUnitForm::MoveItems(bool up) {
 }
 
 void TUnitForm::DragDrop(TObject*, TObject*, int index) {
+    // Lines that are gone in front of the place do not count.
+    TUnitLines ahead(FLines.begin(), FLines.begin() + index);
+    Follow(ahead, FindEditorTabControl());
     ReadLines();
-    DropLines(FLines, std::min(index, FUnitList->Count())); // lines may have gone
+    DropLines(FLines, static_cast<int>(ahead.size()));
     AssignItems();
 }
 

@@ -73,10 +73,8 @@ TUnitForm* TUnitManager::Form() const {
 
 void TUnitManager::ShowUnits(TObject*) {
     if (!FForm) FForm = new TUnitForm(nullptr, this);
-    // A window on the screen stays where the user has put it.
-    if (!FForm->Visible()) FForm->SetProperties();
     FForm->PopulateUnitList();
-    FForm->Show();
+    FForm->Open();
 }
 
 void TUnitManager::CheckShownState(TObject* sender) {
