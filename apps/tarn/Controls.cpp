@@ -60,6 +60,14 @@ template <class F> void ForEachItem(TMenuItem& parent, F&& visit, int level = 0)
     }
 }
 
+std::string Captions(TMenuItem& root) {
+    std::string names;
+    ForEachItem(root, [&](TMenuItem& item, int) {
+        if (!item.IsLine()) names.append(names.empty() ? "" : ", ").append(item.Caption());
+    });
+    return names;
+}
+
 TMenuItem* FindItem(TMenuItem& root, std::string_view name) {
     TMenuItem* found = nullptr;
     ForEachItem(root, [&](TMenuItem& item, int) {
@@ -76,6 +84,20 @@ TMenuItem* FindItem(TMenuItem& root, std::string_view name) {
 }
 
 } // namespace
+
+bool DoAsUser(TSession& session, const std::function<bool()>& action) {
+    bool done = true; // what raises has been done
+    std::exception_ptr fault;
+    session.Ide().RunCommand([&] {
+        try {
+            done = action();
+        } catch (const EScriptError&) {
+            fault = std::current_exception();
+        }
+    });
+    if (fault) std::rethrow_exception(fault);
+    return done;
+}
 
 // --- Lists ------------------------------------------------------------------------------------
 
@@ -133,13 +155,29 @@ std::string FieldText(std::string_view name) {
 
 // --- Pop-up menus -----------------------------------------------------------------------------
 
-void ClickPopup(std::string_view name, std::string_view item) {
-    TPopupMenu& menu = MenuOf(name);
-    menu.Popup(Find<TControl>(name));
+namespace {
+
+/// \param name what the menu is called when it has no such item
+void ClickItem(TPopupMenu& menu, TControl* control, std::string_view name, std::string_view item) {
+    menu.Popup(control);
     TMenuItem* const found = FindItem(*menu.Items(), item);
-    if (!found) Misuse("the menu '%s' has no item '%s'", {name, item});
+    if (!found)
+        Misuse("the menu '%s' has no item '%s'; there are %s",
+               {name, item, Captions(*menu.Items())});
     if (!found->Enabled() || !found->Visible()) Refuse("'%s' is disabled", {item});
     found->Click();
+}
+
+} // namespace
+
+void ClickPopup(std::string_view name, std::string_view item) {
+    ClickItem(MenuOf(name), Find<TControl>(name), name, item);
+}
+
+void ClickPopup(TControl& control, std::string_view item) {
+    TPopupMenu* const menu = control.PopupMenu();
+    if (!menu) Misuse("a %s has no pop-up menu here", {control.ClassName()});
+    ClickItem(*menu, &control, control.ClassName(), item);
 }
 
 std::string PopupText(std::string_view name) {

@@ -1,13 +1,20 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
 
 namespace tarn {
 
+class TControl;
 class TSession;
+
+/// Does something that a user does. What it raises the application shows, as for any other command
+/// of the user's; but EScriptError passes on.
+/// \param action false when it could not be done, which is the result
+bool DoAsUser(TSession& session, const std::function<bool()>& action);
 
 // What a user does to the controls of the active form, and sees of them, by their component names.
 // All raise EScriptError: that for wrong usage when the form has no such control, line or item,
@@ -32,6 +39,8 @@ std::string FieldText(std::string_view field);
 /// Opens the pop-up menu of that name, or of the control of that name, and clicks an item of it: by
 /// its component name or its caption, with | between those of a menu and its item.
 void ClickPopup(std::string_view menu, std::string_view item);
+/// The same for the pop-up menu of a control.
+void ClickPopup(TControl& control, std::string_view item);
 /// Its items as they are when it is opened: caption, (component name), state.
 std::string PopupText(std::string_view menu);
 

@@ -64,6 +64,7 @@ template <class F> void EachEntry(TPersistent& node, F&& visit) {
         visit({"ActiveExperts", &data->ActiveExperts, data, nullptr, "ActiveExperts_"});
         visit({"MenuData", &data->MenuData, data, nullptr, "MenuData_"});
         visit({"CustomData", &data->CustomData, data, nullptr, "CustomData_"});
+        return; // the properties are the same
     }
     if (auto* const list = ClassCast<TCollection>(&node))
         for (int i = 0; i < list->Count(); ++i) {
@@ -256,7 +257,7 @@ bool IsFixed(const TEntry& entry) {
     if (!writable || SameText(entry.Prop->Name, KeyOf(*entry.Owner))) return true;
     const std::string full = Format("%s.%s", {entry.Owner->ClassName(), entry.Prop->Name});
     const TExpManager* const manager = TExpManager::Instance();
-    return manager && manager->Editor()->DisabledProps.IndexOf(full) >= 0;
+    return manager && manager->Editor()->DisabledProps()->IndexOf(full) >= 0;
 }
 
 void AppendBelow(std::string& text, const std::string& path, TPersistent& node) {

@@ -93,6 +93,14 @@ void Reset(const TRequest& request) {
         session.SaveWithout(request.Path);
 }
 
+/// The settings editor is a window, and a command line has none.
+void Edit(const TRequest&) {
+    throw EScriptError(ExitRefused,
+                       "the settings editor needs a window, which the command line has "
+                       "not; 'tarn settings set' changes a setting, and a script of "
+                       "'tarn run' opens the editor by clicking \"Edit...\"");
+}
+
 // --- Settings files ---------------------------------------------------------------------------
 
 /// Runs what reads or writes a settings file; errors of its contents get its name in front.
@@ -282,6 +290,8 @@ CLI::App* AddSettingsCommand(CLI::App& app, const std::string& packageDir,
     set->add_option("VALUE", request->Value, "the new value, as list prints it")->required();
     path(add("reset", "Give settings their defaults", Reset),
          "only those below it; all without it, and the settings file is deleted");
+    add("edit", "Open the settings editor where a window can be shown; refused on the command line",
+        Edit);
     file(add("export", "Save all settings to a file", Export),
          "its extension tells the form: .sbn and .spc binary, .stx text");
     file(add("import", "Load settings from a file, all or nothing, and save them", Import),

@@ -5,9 +5,11 @@
 #include "Diff.h"
 #include "Places.h"
 #include "Settings.h"
+#include "SettingsForm.h"
 #include "TTrialExpert.h"
 #include "qsAppUtils.h"
 #include "vcl/Clipbrd.h"
+#include "vcl/TButton.h"
 #include "vcl/TMemo.h"
 #include "vcl/TStringGrid.h"
 #include "vcl/TToolBar.h"
@@ -126,6 +128,21 @@ TToolButton& ButtonOf(const TToolBar& bar, std::string_view name) {
             return button;
     }
     Misuse("the tool bar has no button '" + std::string(name) + "'");
+}
+
+/// Clicks a push button of the active form, or one of its tool bar; false when it is disabled.
+bool ClickButton(std::string_view name) {
+    const TForm* const form = Screen()->ActiveForm();
+    for (int i = 0; form && i < form->ComponentCount(); ++i) {
+        auto* const push = ClassCast<TButton>(form->Components(i));
+        if (push &&
+            (SameText(push->Name(), name) || AnsiSameText(StripHotkey(push->Caption()), name)))
+            return push->Click();
+    }
+    TToolButton& button = ButtonOf(ActiveToolBar(), name);
+    if (button.IsSeparator() || !button.Enabled() || !button.Visible()) return false;
+    button.Click();
+    return true;
 }
 
 std::string ButtonText(const TToolButton& button) {
@@ -321,9 +338,12 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
          buffer.SaveAs(s.ScratchFile(st.Args[0]).string());
          s.FOriginals[buffer.FileName()] = original;
      }},
-    {"close", "[force]", "close the current file; with force without asking", 0, 1,
+    {"close", "[force]",
+     "close the current file, with force without asking; or the settings editor, when it is in front",
+     0, 1,
      [](TScript& s, const TStatement& st) {
          CheckWords(st.Args, 0, {"force"});
+         if (st.Args.empty() && CloseSettingsForm(s.FSession)) return;
          TIdeModule* const module = s.FSession.Ide().CurrentModule();
          if (!module) Refuse("no file is open");
          const std::string file = module->FileName();
@@ -344,8 +364,28 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
      [](TScript& s, const TStatement& st) {
          s.FSession.OS().QueueFolder(s.FileOf(st.Args[0]).string());
      }},
-    {"row", "N", "select a row of the grid in the active form", 1, 1,
-     [](TScript&, const TStatement& st) {
+    {"choose", "FILE",
+     "queue the file that the user chooses next; one that does not exist is in the scratch folder", 1,
+     1,
+     [](TScript& s, const TStatement& st) {
+         const fs::path file = s.FileOf(st.Args[0]);
+         const bool exists = fs::exists(file);
+         s.FSession.OS().QueueFile((exists ? file : s.ScratchFile(st.Args[0])).string());
+     }},
+    {"input", "TEXT", "queue the text that the user enters next", 1, 1,
+     [](TScript& s, const TStatement& st) { s.FSession.OS().QueueInput(st.Args[0]); }},
+    {"node", "CAPTIONS",
+     "click a node of the settings editor by its captions with | between; that of the root may be "
+     "left out",
+     1, 1, [](TScript& s, const TStatement& st) { ClickSettingsNode(s.FSession, st.Args[0]); }},
+    {"row", "N | NAME ACTION [ARG]",
+     "select a row of the grid in the active form; or do something to the row of that caption or "
+     "property name in the settings editor: type TEXT, paste TEXT, click, label, check ITEM, choose "
+     "ITEM, size N, key KEY, date Y-M-D, time H:M:S, step N, menu CAPTION, dblclick",
+     1, 3,
+     [](TScript& s, const TStatement& st) {
+         if (st.Args.size() > 1)
+             return UseSettingsRow(s.FSession, st.Args[0], {st.Args.begin() + 1, st.Args.end()});
          TStringGrid& grid = ActiveGrid();
          const int row = StrToInt(st.Args[0]);
          if (row < 1 || row >= grid.RowCount())
@@ -362,19 +402,18 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
          grid.SetCell(col - 1, grid.Row(), st.Args[1]);
      }},
     {"do", "ACTION", "run an action of the active form by its component name", 1, 1,
-     [](TScript&, const TStatement& st) {
+     [](TScript& s, const TStatement& st) {
          const TForm* const form = Screen()->ActiveForm();
          auto* const action = form ? ClassCast<TAction>(form->FindComponent(st.Args[0])) : nullptr;
          if (!action) Misuse("the active form has no action '" + st.Args[0] + "'");
-         if (!action->Execute()) Refuse("'" + st.Args[0] + "' is disabled");
-     }},
-    {"button", "NAME", "click a button of the active form's tool bar, by caption or component name",
-     1, 1,
-     [](TScript&, const TStatement& st) {
-         TToolButton& button = ButtonOf(ActiveToolBar(), st.Args[0]);
-         if (button.IsSeparator() || !button.Enabled() || !button.Visible())
+         if (!DoAsUser(s.FSession, [&] { return action->Execute(); }))
              Refuse("'" + st.Args[0] + "' is disabled");
-         button.Click();
+     }},
+    {"button", "NAME",
+     "click a button of the active form or of its tool bar, by caption or component name", 1, 1,
+     [](TScript& s, const TStatement& st) {
+         if (!DoAsUser(s.FSession, [&] { return ClickButton(st.Args[0]); }))
+             Refuse("'" + st.Args[0] + "' is disabled");
      }},
     {"list", "NAME LINE...",
      "click a line of a list in the active form, by its number or its text, and the others with Ctrl",
@@ -554,10 +593,11 @@ const TScript::TTopic TScript::TTables::Topics[] =
                  text += (i == tabs.TabIndex() ? "* " : "  ") + tabs.Tabs()[i] + "\n";
              return text;
          }},
-        {"form", "", "the active form", 0,
+        {"form", "", "the active form by its component name, or else by its class", 0,
          [](TScript&, const TArgs&) {
              const TForm* const form = Screen()->ActiveForm();
-             return Lines(form ? form->Name() : "-");
+             if (!form) return Lines("-");
+             return Lines(form->Name().empty() ? form->ClassName() : std::string_view(form->Name()));
          }},
         {"menu", "[all]",
          "the main menu with the pack's items: caption, [shortcut], (component name), identifier, "
@@ -608,6 +648,14 @@ const TScript::TTopic TScript::TTables::Topics[] =
          }
          return text;
      }},
+    {"tree", "",
+     "the nodes of the settings editor that are seen, the selected one with a *; a + behind one hides "
+     "those below it",
+     0, [](TScript&, const TArgs&) { return SettingsTreeText(); }},
+    {"rows", "",
+     "the rows of the settings editor: caption, control, LEFT,TOP WIDTHxHEIGHT in pixels, state, and "
+     "the value as the user sees it",
+     0, [](TScript&, const TArgs&) { return SettingsRowsText(); }},
     {"toolbar", "", "the buttons of the active form's tool bar", 0,
      [](TScript&, const TArgs&) {
          const TToolBar& bar = ActiveToolBar();
@@ -668,6 +716,15 @@ const TScript::TTopic TScript::TTables::Topics[] =
     {"settings", "[PATH]", "the settings below a path, each as PATH=VALUE", 1,
          [](TScript&, const TArgs& args) {
              return ListSettings(args.empty() ? std::string_view() : args[0]);
+         }},
+        {"changes", "", "what has changed in the settings since the last time, or since the first",
+         0,
+         [](TScript& s, const TArgs&) {
+             const std::string settings = ListSettings({});
+             if (s.FSettingsSeen.empty()) s.FSettingsSeen = settings;
+             const std::string before = std::exchange(s.FSettingsSeen, settings);
+             const std::string diff = UnifiedDiff(before, settings, "before", "after");
+             return diff.empty() ? Lines("-") : diff;
          }},
         {"log", "",
          "the pack's error log, as it stands in the scratch folder, with [ time ] for the times", 0,
@@ -770,11 +827,18 @@ void TScript::RunNext() {
 }
 
 void TScript::RunModal(TForm& form) {
+    const TWeak<TForm> open(&form);
+    const auto goesOn = [&] { return open && form.ModalResult == mrNone && !FFailure; };
     try {
-        while (form.ModalResult == mrNone && FNext < FStatements.size()) RunNext();
+        while (goesOn() && FNext < FStatements.size()) {
+            // A modal form has a message loop of its own.
+            FSession.Ide().PumpMessages();
+            if (goesOn()) RunNext();
+        }
     } catch (...) {
         FFailure = std::current_exception();
-        form.ModalResult = mrCancel;
+        if (open)
+            form.ModalResult = mrNone; // nobody goes on in it: cancelled whatever it says to that
     }
 }
 

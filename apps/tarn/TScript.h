@@ -64,6 +64,7 @@ private:
     std::filesystem::path FFolder;
     TOutput FOutput;
     std::map<std::string, std::string> FOriginals; ///< the texts as they were opened, by file
+    std::string FSettingsSeen;                     ///< by the topic changes
     std::size_t FDialogsSeen = 0;
     int FBeepsSeen = 0;
 };

@@ -14,8 +14,9 @@ TSmartForm::TSmartForm(TComponent* owner)
 }
 
 void TSmartForm::SetVisible(bool value) {
+    const TWeak<TSmartForm> alive(this); // who stores the state may close the form for good
     if (!value && Visible() && AutoSavePlacement) ReadFormData();
-    TForm::SetVisible(value);
+    if (alive) TForm::SetVisible(value);
 }
 
 } // namespace tarn

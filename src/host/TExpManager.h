@@ -92,6 +92,7 @@ public:
     std::string GetLocalPropNames() const;
     void LocalizeEditor();
     void PrepareEditor();
+    void SetEditorOptions();
     void ReCreateSpc(TObject* sender, TSpcObject& spc);
     void EditSettings2(TObject* sender);
     /// Asks, then forgets the settings file. Raises before anything has changed when the file
@@ -106,6 +107,7 @@ public:
     // The menu
     void CreateExpertMenu();
     void DeleteExpertMenu();
+    void DeleteMenuItems();
     void AddTopMMenuItem();
     void AddMMenuItems();
     /// The actions of one menu. The menu owns them; one that the IDE frees leaves a null behind.
@@ -233,8 +235,8 @@ private:
     TWeak<TMenuItem> FLineAfterItem;
     TWeak<TMenuItem> FLanguageItem;
     std::vector<TExecProc> FExecProcs;
-    TKeyBind FKeyBind;                 ///< the hot keys of the menu in the source editor
-    std::set<TShortCut> FDisputedKeys; ///< keys of several commands that the log has named
+    TKeyBind FKeyBind;               ///< the hot keys of the menu in the source editor
+    std::set<std::string> FDisputes; ///< commands with one key, as the log has named them
     int FItemCounter = 0;
     bool FRebuilding = false;
     bool FRebuildAgain = false; ///< asked for during a rebuild

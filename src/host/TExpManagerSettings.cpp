@@ -2,6 +2,7 @@
 
 #include "TExpManager.h"
 #include "TFinally.h"
+#include "WorkingCopy.h"
 #include "qsDialogs.h"
 #include "qsExpMng.h"
 #include "qsLocale.h"
@@ -12,6 +13,17 @@ namespace tarn {
 
 constinit const TClassRecord TExpertEditor::ClassRecord{
     "TExpertEditor", &TSpcEditorPro::ClassRecord, CreateObject<TExpertEditor>};
+
+void TExpertEditor::MakeForm() {
+    TSpcEditorPro::MakeForm();
+    Form()->SavePlacementAction().SetShortCut(
+        TextToShortCut(Manager->Data()->EditorFormData()->SaveSettingShortCut));
+}
+
+void TExpertEditor::FillClone(TPersistent& clone) {
+    TSpcEditorPro::FillClone(clone);
+    if (auto* const copy = ClassCast<TExpData>(&clone)) CompleteWorkingCopy(*copy, ExpData());
+}
 
 void TExpertEditor::ReadFormSetting(std::string_view, std::string_view, TStrings& data) {
     data.Assign(Manager->Data()->EditorFormData()->Setting());
@@ -103,21 +115,20 @@ void TExpManager::LocalizeEditor() {
                  {{"AutoSaveSetting", 51160}, {"SaveSettingShortCut", 51161}, {"Setting", 51162}}),
          })
         table.append(LineBreak).append(section);
-    FEditor->TranslatingTable = std::move(table);
+    FEditor->TranslatingTable()->SetTextStr(table);
 }
 
 // --- The editor -------------------------------------------------------------------------------
 
 void TExpManager::PrepareEditor() {
     FEditor->Manager = this;
-    FEditor->ColCount = 1;
+    FEditor->SetColCount(1);
     FEditor->OnCreateSpc = TCreateSpc::Of<&TExpManager::ReCreateSpc>(this);
     FEditor->SetSpcFileName(SettingsFile());
-    FEditor->FormOptions = TSpcEditor::BaseFormOptions;
-    if (FData->EditorFormData()->AutoSaveSetting) FEditor->FormOptions.Include(foAutoSaveParams);
-    FEditor->LabelAreaInfo.DefAreaWidth = 100;
-    FEditor->ControlAreaInfo.DefAreaWidth = 200;
-    FEditor->InvisibleProps.SetTextStr("TExpertInfo.ExpertName\r\n"
+    SetEditorOptions();
+    FEditor->LabelAreaInfo()->SetDefAreaWidth(100);
+    FEditor->ControlAreaInfo()->SetDefAreaWidth(200);
+    FEditor->InvisibleProps()->SetTextStr("TExpertInfo.ExpertName\r\n"
                                        "TExpertInfo.ExpertNodeName\r\n"
                                        "TCustomDataItem.AObjectID\r\n"
                                        "TExpMenuItemData.ItemID\r\n"
@@ -125,7 +136,13 @@ void TExpManager::PrepareEditor() {
                                        "TEditorFormData.Setting\r\n"
                                        "TViewFormMng.DisplayUnitScrollbars\r\n"
                                        "TExpManagerData.ID");
-    FEditor->DisabledProps.SetTextStr("TExpManagerData.ExpertVersion");
+    FEditor->DisabledProps()->SetTextStr("TExpManagerData.ExpertVersion");
+}
+
+/// What of the editor's options is the user's: looked at each time the editor opens.
+void TExpManager::SetEditorOptions() {
+    FEditor->FormOptions = TSpcEditor::BaseFormOptions;
+    if (FData->EditorFormData()->AutoSaveSetting) FEditor->FormOptions.Include(foAutoSaveParams);
 }
 
 void TExpManager::ReCreateSpc(TObject*, TSpcObject& spc) {
@@ -145,8 +162,12 @@ bool ShowEditor(TExpertEditor& editor) {
 void TExpManager::EditSettings2(TObject*) {
     // The IDE may let the wizard go while the window stands.
     const TIntf<IOTAWizard> alive(this);
+    SetEditorOptions();
     if (!ShowEditor(*FEditor) || FState == msDown) return;
+    // What the window has stored about itself is not in the file that is loaded now.
+    const std::string window = FData->EditorFormData()->Setting()->GetTextStr();
     DoRecreateExperts();
+    FData->EditorFormData()->Setting()->SetTextStr(window);
 }
 
 } // namespace tarn

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "qsExpShrData.h"
-#include "qsSpcEditor.h"
+#include "qsSpcEdPro.h"
 
 namespace tarn {
 
 class TExpManager;
 
 /// The settings editor of the manager. Its window's state is kept among the manager's settings
-/// instead of an ini file.
+/// instead of an INI file.
 class TExpertEditor : public TSpcEditorPro {
 public:
     static const TClassRecord ClassRecord;
@@ -18,9 +18,14 @@ public:
 
     TExpManager* Manager = nullptr;
 
-    void ReadFormSetting(std::string_view section, std::string_view ident, TStrings& data) override;
-    void WriteFormSetting(std::string_view section, std::string_view ident,
+    void MakeForm() override;
+    void ReadFormSetting(std::string_view iniFileName, std::string_view section,
+                         TStrings& data) override;
+    void WriteFormSetting(std::string_view iniFileName, std::string_view section,
                           const TStrings& data) override;
+
+protected:
+    void FillClone(TPersistent& clone) override;
 };
 
 } // namespace tarn

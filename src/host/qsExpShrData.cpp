@@ -33,6 +33,15 @@ constexpr TPropInfo CustomDataItemProps[] = {
     // Again, for its place behind the caption.
     Published<&TWrapperItem::NestedObject>("NestedObject"),
 };
+/// The collections of the root are stored as blocks, and published for the settings editor.
+bool StoredAsBlock(const TObject&) {
+    return false;
+}
+constexpr TPropInfo ExpDataProps[] = {
+    Published<&TExpData::ActiveExpertsObject>("ActiveExperts", {.IsStored = StoredAsBlock}),
+    Published<&TExpData::MenuDataObject>("MenuData", {.IsStored = StoredAsBlock}),
+    Published<&TExpData::CustomDataObject>("CustomData", {.IsStored = StoredAsBlock}),
+};
 constexpr TPropInfo EditorFormDataProps[] = {
     Published<&TEditorFormData::AutoSaveSetting>("AutoSaveSetting", {.Default = true}),
     Published<&TEditorFormData::SaveSettingShortCut>("SaveSettingShortCut"),
@@ -75,7 +84,7 @@ constinit const TClassRecord TCustomDataItem::ClassRecord{
 constinit const TClassRecord TCustomData::ClassRecord{"TCustomData", &TFreeCollection::ClassRecord,
                                                       CreateObject<TCustomData>};
 constinit const TClassRecord TExpData::ClassRecord{"TExpData", &TSpcObject::ClassRecord,
-                                                   CreateObject<TExpData>};
+                                                   CreateObject<TExpData>, ExpDataProps};
 constinit const TClassRecord TEditorFormData::ClassRecord{
     "TEditorFormData", &TSpcObject::ClassRecord, CreateObject<TEditorFormData>,
     EditorFormDataProps};
@@ -144,6 +153,16 @@ void TCustomData::Assign(const TPersistent* source) {
 }
 
 // --- The root ---------------------------------------------------------------------------------
+
+TActiveExperts* TExpData::ActiveExpertsObject() const {
+    return &const_cast<TExpData*>(this)->ActiveExperts;
+}
+TExpMenuData* TExpData::MenuDataObject() const {
+    return &const_cast<TExpData*>(this)->MenuData;
+}
+TCustomData* TExpData::CustomDataObject() const {
+    return &const_cast<TExpData*>(this)->CustomData;
+}
 
 std::string TExpData::GetNodeName() {
     return LocaleStr(51120);

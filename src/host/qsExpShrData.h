@@ -132,6 +132,12 @@ public:
     TExpMenuData MenuData;
     TCustomData CustomData;
     std::string LocalNames; ///< the property captions of all experts, INI text; not stored
+    /// What the custom settings of a working copy refer to; see WorkingCopy.h.
+    std::vector<std::unique_ptr<TPersistent>> OwnObjects;
+
+    TActiveExperts* ActiveExpertsObject() const; ///< published as "ActiveExperts"
+    TExpMenuData* MenuDataObject() const;        ///< published as "MenuData"
+    TCustomData* CustomDataObject() const;       ///< published as "CustomData"
 
     std::string GetNodeName() override;
     void Assign(const TPersistent* source) override;

@@ -76,6 +76,10 @@ void TFitReader::DefineBinaryProperty(std::string_view name, const TStreamProc& 
 }
 
 void TFitReader::ReadCollection(TCollection& collection) {
+    // Their items stand for things of the program, and are stored as blocks.
+    if (collection.InheritsFrom(TFixedCollection::ClassRecord) ||
+        collection.InheritsFrom(TFreeCollection::ClassRecord))
+        Fail(Format("a %s is no plain collection", {collection.ClassName()}), true);
     if (!FJournal) return TReader::ReadCollection(collection);
     const auto beside = std::make_shared<TCollection>(collection.ItemClass());
     {

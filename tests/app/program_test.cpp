@@ -219,6 +219,10 @@ TEST_F(SettingsTest, AreChangedInTheFileAlone) {
         {"set ExpManagerData.MaxLogSize much",
          "2||tarn: CustomData.ExpManagerData.MaxLogSize: 'much' is not a valid integer value; "
          "wanted is a whole number from 0 to 4294967295\n"},
+        {"edit",
+         "1||tarn: the settings editor needs a window, which the command line has not; 'tarn "
+         "settings set' changes a setting, and a script of 'tarn run' opens the editor by "
+         "clicking \"Edit...\"\n"},
         {"reset Nothing.At.All", "2||tarn: there is no 'Nothing'; there are ExpManagerData, "
                                  "FormUnitViewData, InspectorFormViewData, EditorManagerData, "
                                  "UnitManagerData, ActiveExperts, MenuData, CustomData\n"},

@@ -112,7 +112,7 @@ TEST(Locale, PlaceholdersOfEveryText) {
         else
             EXPECT_NE(FindBadPlaceholder(*text), text->npos) << id << " needs no exception";
     }
-    EXPECT_EQ(count, 166);
+    EXPECT_EQ(count, 173);
 }
 
 } // namespace

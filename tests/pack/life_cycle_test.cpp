@@ -107,7 +107,7 @@ std::string Existing(const TExpManager& manager) {
         {manager.MessageWindow() != 0, 'w'},
         {experts, 'l'},
         {editor, 'e'},
-        {editor && !editor->TranslatingTable.empty(), 'c'},
+        {editor && !editor->TranslatingTable()->IsEmpty(), 'c'},
         {editor && !editor->SpcFileName().empty(), 'p'},
         {static_cast<bool>(Screen()->OnActiveFormChange), 'h'},
         {TExpManager::Instance() && pPrivateExecProc, 'i'},
@@ -510,15 +510,17 @@ TEST(LifeCycle, EditingTheSettings) {
             EXPECT_EQ(ide.Scr->Cursor(), crHourGlass);
             return true;
         };
-        TSpcEditor::ShowWindow = [&](TSpcEditor& editor, TSpcObject& root) {
+        auto modal = [&](TForm& form) {
+            TSpcEditor& editor = dynamic_cast<TSpcForm&>(form).Editor();
             EXPECT_EQ(&editor, manager->Editor());
-            EXPECT_EQ(&root, &ExpData());
+            EXPECT_EQ(editor.SpcRoot(), &ExpData());
             SetOwnerWnd(77);
             EXPECT_EQ(OwnerWnd(), 77u);
+            EXPECT_EQ(c.Changes && editor.Save(), c.Changes);
             if (c.Unloads) ide.Stop();
             if (c.Fails) throw Exception("no window");
-            return c.Changes;
         };
+        ide.App->OnModal = TMethod<void(TForm&)>::Calling(modal);
         ide.App->ProcessMessages();
         TMenuItem* const edit = manager->TopItem()->Items(3)->Items(0);
         EXPECT_EQ(edit->Caption(), "Edit...");
@@ -526,7 +528,6 @@ TEST(LifeCycle, EditingTheSettings) {
             EXPECT_THROW(edit->Click(), Exception);
         else
             edit->Click();
-        TSpcEditor::ShowWindow = nullptr;
         EXPECT_EQ(loads, c.Loads);
         EXPECT_EQ(TExpManager::Instance() == nullptr, c.Unloads);
         EXPECT_EQ(OwnerWnd(), ide.App->Handle());

@@ -232,6 +232,7 @@ TEST(SharedForm, TakesAndGivesItsPlacement) {
     stored.FormPlacement = "0,1,-1,-1,-1,-1,10,20,110,220";
     stored.SavePlacementShortCut = "Ctrl+P";
     expert.SetFormSetting(&stored);
+    EXPECT_THROW(expert.SetFormSetting(nullptr), EConvertError);
     TSharedForm form(nullptr, &expert);
     form.SetProperties();
     EXPECT_EQ(form.BoundsRect(), (TRect{10, 20, 100, 200}));
@@ -247,7 +248,11 @@ TEST(SharedForm, TakesAndGivesItsPlacement) {
     form.SetLeft(13);
     form.Hide();
     EXPECT_EQ(left(), "13");
+    EXPECT_EQ(form.PlacementText, expert.FormSetting()->FormPlacement);
+    // Hidden, it leaves alone what is stored.
     expert.FormSetting()->FormPlacement = "1,2";
+    form.Hide();
+    EXPECT_EQ(expert.StoredFormSetting()->FormPlacement, "1,2");
     form.SetProperties();
     EXPECT_EQ(form.Left(), 13);
 }
@@ -283,10 +288,10 @@ TEST(ExpData, EditorIsPreparedAndLocalized) {
     EXPECT_EQ(state.GetTextStr(), "Left=1\r\n");
     EXPECT_EQ(editor.Manager, manager);
     EXPECT_EQ(editor.SpcFileName(), PackageDir() + "ExpData.spc");
-    EXPECT_EQ(editor.InvisibleProps.Count(), 8);
-    EXPECT_EQ(editor.DisabledProps.GetTextStr(), "TExpManagerData.ExpertVersion\r\n");
+    EXPECT_EQ(editor.InvisibleProps()->Count(), 8);
+    EXPECT_EQ(editor.DisabledProps()->GetTextStr(), "TExpManagerData.ExpertVersion\r\n");
     EXPECT_TRUE(editor.FormOptions.Contains(foAutoSaveParams));
-    EXPECT_EQ(editor.TranslatingTable,
+    EXPECT_EQ(editor.TranslatingTable()->GetTextStr(),
               "[TExpManagerData]\r\nExpertVersion=Current library version\r\n"
               "AutoSaveSettings=Experts settings autosave##on exit\r\n"
               "MainMenuSearchItem=Menu item in ##Delphi/C++Builder main menu\r\n"
@@ -305,7 +310,7 @@ TEST(ExpData, EditorIsPreparedAndLocalized) {
               "SavePlacementShortCut=Hotkey for##form position save\r\n"
               "[TEditorFormData]\r\nAutoSaveSetting=Form properties autosave\r\n"
               "SaveSettingShortCut=Hotkey for##form properties save\r\n"
-              "Setting=Save form properties");
+              "Setting=Save form properties\r\n");
 }
 
 } // namespace
