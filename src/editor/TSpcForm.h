@@ -49,7 +49,8 @@ public:
     /// Gives the areas of the rows the width that the labels need and what is left of the window.
     /// \param labelWidth, height of the rows, pixels
     void LayOutAreas(int labelWidth, int controlWidth, int height);
-    /// The width in which the areas have to find room, pixels: less when the rows need a scroll bar.
+    /// The width in which the areas have to find room, pixels: less when the rows need a scroll
+    /// bar.
     int RowsWidth(int rowsHeight) const;
     /// Enter in the tree.
     void ToggleNode();

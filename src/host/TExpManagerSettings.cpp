@@ -129,13 +129,13 @@ void TExpManager::PrepareEditor() {
     FEditor->LabelAreaInfo()->SetDefAreaWidth(100);
     FEditor->ControlAreaInfo()->SetDefAreaWidth(200);
     FEditor->InvisibleProps()->SetTextStr("TExpertInfo.ExpertName\r\n"
-                                       "TExpertInfo.ExpertNodeName\r\n"
-                                       "TCustomDataItem.AObjectID\r\n"
-                                       "TExpMenuItemData.ItemID\r\n"
-                                       "TFormSetting.FormPlacement\r\n"
-                                       "TEditorFormData.Setting\r\n"
-                                       "TViewFormMng.DisplayUnitScrollbars\r\n"
-                                       "TExpManagerData.ID");
+                                          "TExpertInfo.ExpertNodeName\r\n"
+                                          "TCustomDataItem.AObjectID\r\n"
+                                          "TExpMenuItemData.ItemID\r\n"
+                                          "TFormSetting.FormPlacement\r\n"
+                                          "TEditorFormData.Setting\r\n"
+                                          "TViewFormMng.DisplayUnitScrollbars\r\n"
+                                          "TExpManagerData.ID");
     FEditor->DisabledProps()->SetTextStr("TExpManagerData.ExpertVersion");
 }
 

@@ -136,16 +136,24 @@ TValue ReadValue(const TPersistent& instance, const TPropInfo& prop) {
     case tkChar:
     case tkEnumeration:
     case tkSet:
-    case tkWChar: return ReadSlot<std::int32_t>(instance, prop);
-    case tkInt64: return ReadSlot<std::int64_t>(instance, prop);
-    case tkFloat: return ReadSlot<long double>(instance, prop);
+    case tkWChar:
+        return ReadSlot<std::int32_t>(instance, prop);
+    case tkInt64:
+        return ReadSlot<std::int64_t>(instance, prop);
+    case tkFloat:
+        return ReadSlot<long double>(instance, prop);
     case tkString:
     case tkLString:
-    case tkWString: return ReadSlot<std::string>(instance, prop);
-    case tkVariant: return ReadSlot<TVariant>(instance, prop);
-    case tkMethod: return ReadSlot<TRawMethod>(instance, prop);
-    case tkClass: return CopyOfObject(instance, prop);
-    case tkUnknown: break;
+    case tkWString:
+        return ReadSlot<std::string>(instance, prop);
+    case tkVariant:
+        return ReadSlot<TVariant>(instance, prop);
+    case tkMethod:
+        return ReadSlot<TRawMethod>(instance, prop);
+    case tkClass:
+        return CopyOfObject(instance, prop);
+    case tkUnknown:
+        break;
     }
     throw EInvalidOperation(Format("%s.%s holds no setting", {instance.ClassName(), prop.Name}));
 }
