@@ -248,8 +248,11 @@ void TSpcEditor::MakeLabel(TControlInfo& info) {
     GrowLabelArea(label);
 }
 
+/// Up to the widest label, which has its margins: without them its end would be cut off.
 void TSpcEditor::GrowLabelArea(const TLabel& label) {
-    if (FLabelAreaInfo->AutoWidth()) FLabelWidth = std::max(FLabelWidth, label.Width());
+    const TLabelAreaInfo& area = *FLabelAreaInfo;
+    if (area.AutoWidth())
+        FLabelWidth = std::max(FLabelWidth, area.LeftMargin() + label.Width() + area.RightMargin());
 }
 
 void TSpcEditor::DoCreateLabel(TLabel& label, TControlInfo& info) {

@@ -151,10 +151,9 @@ using TAfterSaveSpcEvent =
     TMethod<void(TObject* sender, TSpcObject& spc, const std::string& fileName)>;
 using TBeforeSaveSpcEvent =
     TMethod<void(TObject* sender, TSpcObject& spc, const std::string& fileName, bool& allowSave)>;
-using TBeforeCreateControlEvent =
-    TMethod<void(TObject* sender, TPersistent& instance, const TPropInfo& propInfo,
-                 TWinControl* parent, TNotifyEvent changeAction, TNewControlData& controlData,
-                 bool& handled)>;
+using TBeforeCreateControlEvent = TMethod<void(
+    TObject* sender, TPersistent& instance, const TPropInfo& propInfo, TWinControl* parent,
+    TNotifyEvent changeAction, TNewControlData& controlData, bool& handled)>;
 using TCollectionChangeEvent = TMethod<void(TObject* sender, TCollection& collection,
                                             TCollectionItem* item, TCollNotification action)>;
 using TCollectionChangingEvent =

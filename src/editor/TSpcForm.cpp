@@ -122,8 +122,9 @@ void TSpcForm::ToggleNode() {
 
 bool TSpcForm::IsShortCut(TShortCut shortCut) {
     // A hot-key field and an open list get their keys before the commands do.
-    if (ActiveControl() && ActiveControl()->WantsKey(shortCut)) return false;
-    if (shortCut == VK_RETURN && ActiveControl() == FTree &&
+    const TControl* const active = ActiveControl();
+    if (active && active->WantsKey(shortCut)) return false;
+    if (shortCut == VK_RETURN && active && active == FTree &&
         FEditor.FormOptions.Contains(foTreeExpandOnEnter)) {
         ToggleNode();
         return true;

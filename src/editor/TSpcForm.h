@@ -47,7 +47,7 @@ public:
     void ReadFormData() override;
 
     /// Gives the areas of the rows the width that the labels need and what is left of the window.
-    /// \param labelWidth, height of the rows, pixels
+    /// \param labelWidth, controlWidth with their margins \param height of the rows, pixels
     void LayOutAreas(int labelWidth, int controlWidth, int height);
     /// The width in which the areas have to find room, pixels: less when the rows need a scroll
     /// bar.

@@ -370,7 +370,7 @@ TEST_F(Editor, KeepsItsPlace) {
     std::ofstream(folder.File("editor.ini"))
         << "[Editor]\nLeft=x\nTop=1e1\nWidth=1\nHeight=99999999999\nState=1\nTreeWidth=-5\n"
            "LabelAreaWidth=-1\n";
-    EXPECT_EQ(reopened(), "0,0 300x420 0 0 48");
+    EXPECT_EQ(reopened(), "0,0 300x420 0 0 53");
     // The events come first, and may keep the file out of it.
     std::string log;
     const auto read = [&](TObject*, std::string_view, std::string_view section, TStrings& data,
