@@ -4,6 +4,7 @@
 #include "TLineEditor.h"
 #include "TSpcImage.h"
 #include "TTestFolder.h"
+#include "os/portable/TConsoleDialogs.h"
 #include "qsDataHndl2.h"
 #include "qsPropTypes.h"
 #include "qsSpcEdPro.h"
@@ -25,6 +26,7 @@
 
 #include <functional>
 #include <limits>
+#include <sstream>
 
 namespace tarn {
 namespace {
@@ -179,7 +181,11 @@ protected:
 
 TEST_F(ExtKinds, EachPropertyHasItsControlInItsPlace) {
     TAll all;
+    int menus = 0; // that are there when the host is told of a row
+    auto made = [&](TObject*, TControlInfo& row) { menus += row.EControl->PopupMenu() ? 1 : 0; };
+    Ed->AfterCreateControl = TControlNotifyEvent::Calling(made);
     Show(all);
+    EXPECT_EQ(menus, 4);
     std::string rows;
     for (int i = 0; i < Ed->Controls().Count(); ++i) {
         const TControlInfo& row = Ed->Controls().Get(i);
@@ -207,10 +213,12 @@ TEST_F(ExtKinds, EachPropertyHasItsControlInItsPlace) {
     EXPECT_EQ(Control<TMemo>("Lines").WordWrap(), false);
     EXPECT_EQ(Control<TMemo>("Lines").ScrollBars(), ssVertical);
 
-    Ed->RedefiedParams()->SetTextStr("[SpinIntControl]\nWidth=30\nMaxValue=9\n");
+    Ed->RedefiedParams()->SetTextStr("[SpinIntControl]\nWidth=30\nMinValue=2\nMaxValue=9\n");
     Control<TSpinEdit>("Spin").SetText("10");
+    Control<TSpinEdit>("Small").SetText("1");
     EXPECT_TRUE(Ed->GetControlsData());
-    EXPECT_EQ(Format("%d %d", {Control<TSpinEdit>("Spin").Width(), all.Spin}), "30 9");
+    EXPECT_EQ(Format("%d %d %d", {Control<TSpinEdit>("Spin").Width(), all.Spin, int{all.Small}}),
+              "30 9 2");
 }
 
 TEST_F(ExtKinds, ValuesComeBackAsTheyWere) {
@@ -298,16 +306,16 @@ TEST_F(ExtKinds, TheMenuOfLines) {
     SaveFileText(file, "x\ny\n");
     const struct {
         int Line;                                ///< that is selected
-        std::string_view Command, Answer, Asked; ///< the title, or the question
+        std::string_view Command, Answer, Asked; ///< what the user reads, and cancels
         std::string Checks, Selection;           ///< behind a ";" the line that is selected then
     } cases[] = {
-        {1, "Add line", "d", "Add line", "+a|-b|+c|-d|;1", "1:a|b|c|d|;1"},
-        {1, "Insert line", "d", "Insert line", "+a|-d|-b|+c|;2", "2:a|d|b|c|;2"},
+        {1, "Add line", "d", "Add line: Enter new line:", "+a|-b|+c|-d|;1", "1:a|b|c|d|;1"},
+        {1, "Insert line", "d", "Insert line: Enter new line:", "+a|-d|-b|+c|;2", "2:a|d|b|c|;2"},
         {0, "Delete line", "", "", "-b|+c|;0", "0:b|c|;0"},
         {2, "Delete line", "", "", "+a|-b|;1", "1:a|b|;1"},
-        {1, "Clear", "", "Delete all lines?", ";-1", "-1:;-1"},
-        {2, "Edit text", "C", "Edit", "+a|-b|+C|;2", "2:a|b|C|;2"},
-        {2, "Load from file", file, "", "-x|-y|;1", "1:x|y|;1"},
+        {1, "Clear", "", "question: Delete all lines?", ";-1", "-1:;-1"},
+        {2, "Edit text", "C", "Edit: Text for editing: [c]", "+a|-b|+C|;2", "2:a|b|C|;2"},
+        {2, "Load from file", file, "File", "-x|-y|;1", "1:x|y|;1"},
     };
     for (const auto& c : cases)
         for (const std::string_view prop : {"Checks", "Selection"}) {
@@ -319,7 +327,13 @@ TEST_F(ExtKinds, TheMenuOfLines) {
             list.SetItemIndex(c.Line);
             list.SetTopIndex(1);
             if (c.Command != "Delete line") {
+                std::istringstream in;
+                std::ostringstream out;
+                TConsoleDialogs console(in, out, false);
+                OS.SetConsole(&console);
                 Pick(prop, c.Command); // and cancel
+                OS.SetConsole(nullptr);
+                EXPECT_TRUE(out.str().starts_with(c.Asked)) << out.str();
                 EXPECT_FALSE(Ed->Modified()) << c.Command;
                 if (c.Command == "Clear")
                     OS.QueueAnswer(IDYES);
@@ -327,10 +341,6 @@ TEST_F(ExtKinds, TheMenuOfLines) {
                     c.Answer == file ? OS.QueueFile(c.Answer) : OS.QueueInput(c.Answer);
             }
             Pick(prop, c.Command);
-            if (!c.Asked.empty()) {
-                const auto& asked = OS.Dialogs().back();
-                EXPECT_EQ(c.Answer.empty() ? asked.Text : asked.Caption, c.Asked);
-            }
             EXPECT_TRUE(Row(prop).Modified) << c.Command;
             EXPECT_TRUE(Ed->GetControlsData());
             const bool isList = prop == "Checks";
@@ -355,6 +365,7 @@ TEST_F(ExtKinds, TheMenuOfLines) {
     EXPECT_EQ(LoadFileText(folder.File("saved.txt")), "a\r\nb\r\nc\r\n");
     EXPECT_FALSE(Ed->Modified());
     Row("Selection").EControl->SetEnabled(false);
+    Row("Selection").EControl->PopupMenu()->Items()->Items(0)->SetCaption("of another language");
     EXPECT_EQ(MenuOf("Selection"), "(Add line); (Insert line); (Delete line); (Clear); -; "
                                    "(Edit text); -; (Load from file); Save to file; ");
 }
@@ -362,10 +373,11 @@ TEST_F(ExtKinds, TheMenuOfLines) {
 TEST_F(ExtKinds, TheMenuOfPictures) {
     const TTestFolder folder;
     const std::string png = folder.File("a.png"), broken = folder.File("b.png"),
-                      saved = folder.File("c.png");
+                      saved = folder.File("c");
     SaveFileText(png, PngFile);
     SaveFileText(broken, "no picture");
     TAll all;
+    all.Graphic->SetBytes(BitmapFile);
     Show(all);
     Clipboard().SetAsText("text");
     EXPECT_EQ(MenuOf("Picture"), "Load from file; (Load form clipboard); -; (Save into file); "
@@ -385,7 +397,7 @@ TEST_F(ExtKinds, TheMenuOfPictures) {
     EXPECT_EQ(written("Picture"), PngFile);
     OS.QueueFile(saved);
     Pick("Picture", "Save into file");
-    EXPECT_EQ(LoadFileText(saved), PngFile);
+    EXPECT_EQ(LoadFileText(saved + ".png"), PngFile);
     Pick("Picture", "Save into clipboard");
     EXPECT_FALSE(Row("Picture").Modified);
     Pick("Picture", "Clear");
@@ -394,9 +406,37 @@ TEST_F(ExtKinds, TheMenuOfPictures) {
     EXPECT_EQ(written("Picture"), PngFile);
     Pick("Graphic", "Load form clipboard"); // into a bitmap
     EXPECT_EQ(written("Graphic"),
-              "EConvertError: Graphic: cannot assign a TPngGraphic to a TBitmap");
+              "EConvertError: Graphic: cannot assign a TPngGraphic to a TBitmap" + BitmapFile);
+    Pick("Graphic", "Clear");
+    EXPECT_EQ(written("Graphic"), "");
+    image.SetEnabled(false);
+    EXPECT_EQ(MenuOf("Picture"), "(Load from file); (Load form clipboard); -; Save into file; "
+                                 "Save into clipboard; -; (Clear); Clear clipboard; ");
     Pick("Picture", "Clear clipboard");
     EXPECT_FALSE(Clipboard().HasPicture());
+}
+
+/// Takes down what is asked for, and cancels it.
+class TFileQuestionsOS : public TPortableOS {
+public:
+    std::string Filters;
+    std::optional<std::string> ChooseFile(const TFileQuestion& question) override {
+        Filters += question.Filter + "\n";
+        return std::nullopt;
+    }
+};
+
+TEST_F(ExtKinds, FilesAreAskedForByWhatTheyHold) {
+    TAll all;
+    Show(all);
+    TFileQuestionsOS os;
+    TOperatingSystem* const before = InstallOS(&os);
+    EXPECT_FALSE(AskForTextFile(false));
+    EXPECT_TRUE(Control<TSpcImage>("Picture").DblClick());
+    InstallOS(before);
+    EXPECT_EQ(os.Filters, "Text files (*.txt)|*.txt|All files(*.*)|*.*\n"
+                          "All (*.bmp;*.png)|*.bmp;*.png|Bitmaps (*.bmp)|*.bmp|"
+                          "Portable Network Graphics (*.png)|*.png\n");
 }
 
 TEST_F(ExtKinds, TheLineEditor) {
@@ -413,14 +453,14 @@ TEST_F(ExtKinds, TheLineEditor) {
     };
     const struct {
         std::function<void(TLineEditor&)> Act;
-        bool Saves;
+        TModalResult Result;
     } cases[] = {
-        {[](TLineEditor& form) { form.SaveButton().Click(); }, true},
-        {[](TLineEditor& form) { form.IsShortCut(scCtrl | VK_RETURN); }, true},
-        {throughAFile, true},
-        {[](TLineEditor& form) { form.IsShortCut(VK_ESCAPE); }, false},
-        {[](TLineEditor& form) { form.CancelButton().Click(); }, false},
-        {[](TLineEditor& form) { form.IsShortCut(VK_RETURN); }, false}, // the memo's
+        {[](TLineEditor& form) { form.SaveButton().Click(); }, mrOk},
+        {[](TLineEditor& form) { form.IsShortCut(scCtrl | VK_RETURN); }, mrOk},
+        {throughAFile, mrOk},
+        {[](TLineEditor& form) { form.IsShortCut(VK_ESCAPE); }, mrCancel},
+        {[](TLineEditor& form) { form.CancelButton().Click(); }, mrCancel},
+        {[](TLineEditor& form) { form.IsShortCut(VK_RETURN); }, mrNone}, // the memo's
     };
     for (const auto& c : cases) {
         TAll all;
@@ -432,15 +472,30 @@ TEST_F(ExtKinds, TheLineEditor) {
             form.Memo().TypeText("x\r\n");
             shown = form.Caption() + ", " + form.StatusBar().SimpleText();
             c.Act(form);
+            EXPECT_EQ(form.ModalResult, c.Result);
         };
         App->OnModal = TMethod<void(TForm&)>::Calling(modal);
         Control<TMemo>("Lines").DblClick();
         App->OnModal = {};
         EXPECT_EQ(shown, "Line editor, Lines count: 4");
-        EXPECT_EQ(Row("Lines").Modified, c.Saves);
+        EXPECT_EQ(Row("Lines").Modified, c.Result == mrOk);
         EXPECT_TRUE(Ed->GetControlsData());
-        EXPECT_EQ(Text(all.Lines), c.Saves ? "x|a|b|c|" : "a|b|c|");
+        EXPECT_EQ(Text(all.Lines), c.Result == mrOk ? "x|a|b|c|" : "a|b|c|");
     }
+    // Lines that are only to be looked at.
+    TAll all;
+    all.SetLines();
+    Ed->RedefiedParams()->SetTextStr("[StringsControl]\nReadOnly=True\n");
+    Show(all);
+    auto modal = [](TForm& each) {
+        auto& form = dynamic_cast<TLineEditor&>(each);
+        EXPECT_FALSE(form.Memo().TypeText("x") || form.SaveButton().Click());
+        EXPECT_EQ(form.StatusBar().SimpleText(), "Lines count: 3");
+    };
+    App->OnModal = TMethod<void(TForm&)>::Calling(modal);
+    Control<TMemo>("Lines").DblClick();
+    App->OnModal = {};
+    EXPECT_FALSE(Row("Lines").Modified);
 }
 
 // --- The types themselves ---------------------------------------------------------------------
@@ -471,6 +526,35 @@ TEST(PropTypes, LinesAreStreamedWithWhatBelongsToThem) {
     copy.Assign(&selection);
     copy.Assign(all.Lines); // has no index
     EXPECT_EQ(Text(&copy), "1:a|b|c|");
+
+    // What differs from an ancestor, be it that nothing is checked.
+    TCheckStrings none;
+    none.Assign(all.Lines);
+    TStringStream stream;
+    TWriter writer(stream);
+    writer.SetAncestor(all.Checks);
+    writer.WriteAsComponent(none, "");
+    EXPECT_EQ(ConvertForm(stream.DataString(), fkText, layout),
+              "object TCheckStrings\n  Checked = ()\nend");
+}
+
+TEST(PropTypes, WhoIsToldOfAChangeSeesAllOfIt) {
+    TAll all;
+    all.SetLines();
+    std::string seen;
+    auto told = [&seen](TObject* sender) { seen += Text(sender) + " "; };
+    TCheckStrings checks;
+    checks.OnChange = TNotifyEvent::Calling(told);
+    checks.Assign(all.Checks);
+    checks.SetChecked(1, true);
+    checks.SetChecked(1, true); // it is already
+    TFormLayout layout;
+    const std::string edited = ConvertForm("object T Checked = (1) end", fkBinary, layout);
+    TReader(edited).ReadAsComponent(checks);
+    TSelectStrings selection;
+    selection.OnChange = TNotifyEvent::Calling(told);
+    selection.Assign(all.Selection);
+    EXPECT_EQ(seen, "+a|-b|+c| +a|+b|+c| -a|+b|-c| 1:a|b|c| ");
 }
 
 TEST_F(ExtKinds, TheEditorIsKnownByItsData) {

@@ -4,6 +4,7 @@
 #include "ExpDataFile.h"
 #include "Package.h"
 #include "TPackHarness.h"
+#include "WorkingCopy.h"
 #include "qsAppUtils.h"
 #include "rtl/SafeFile.h"
 #include "vcl/TCheckBox.h"
@@ -116,6 +117,29 @@ TEST_F(TEditSettings, OneChangedCaptionIsAllThatChanges) {
     EXPECT_EQ(Settings(), expected);
     EXPECT_NE(MenuText().find("Order"), std::string::npos);
     EXPECT_EQ(LastDialog(), "Save changes in specification?");
+}
+
+TEST_F(TEditSettings, TheRowsHaveCaptionsAndHideWhatIsNotTheUsers) {
+    std::string rows;
+    Edit([&](TSpcForm& form) {
+        for (const TPath& path :
+             {TPath{"Installed experts", "Unit editor expert"}, Sorting, ManagersOwn, EditorForm}) {
+            form.Tree().SetSelected(&Node(form, path));
+            const TControlList& list = form.Editor().Controls();
+            for (int i = 0; i < list.Count(); ++i)
+                rows += list.Get(i).Label->Caption() + (list.Get(i).EControl->Enabled() ? "" : "!");
+            rows += "\n";
+        }
+    });
+    EXPECT_EQ(rows, "Active :\n"
+                    "menu item’s text :Picture index for menu item :Separator before\r\nmenu item :"
+                    "Hotkeys \r\nfor menu item call :\n"
+                    "Caption :Current library version :!Experts settings autosave\r\non exit :"
+                    "Menu item in \r\nDelphi/C++Builder main menu :"
+                    "Insert experts menu \r\nbefore found menu item :"
+                    "Separator\r\nbefore experts menu item :Separator\r\nafter experts menu item :"
+                    "Error log allowed :Maximal size of the logfile,\r\nkilobytes :\n"
+                    "Form properties autosave :Hotkey for\r\nform properties save :\n");
 }
 
 TEST_F(TEditSettings, NothingIsSwitchedWhileItIsEditedAndNoKeepsAll) {
@@ -235,6 +259,71 @@ TEST_F(TEditSettings, TheWindowsStateIsKeptAsTheSettingsSay) {
     EXPECT_EQ(data.Setting()->Value("Width"), "720");
     data.Setting()->SetTextStr("Width=many\r\nHeight=430\r\njunk\r\n");
     Edit([](TSpcForm& form) { EXPECT_EQ(form.BoundsRect(), (TRect{0, 0, 620, 430})); });
+    // The window closes after the file was saved, which is then loaded.
+    OS.QueueAnswer(IDYES);
+    Edit([](TSpcForm& form) {
+        Type(Row(form, Sorting, "Caption"), "Order");
+        form.SetWidth(740);
+        EXPECT_TRUE(form.IsShortCut(scCtrl | 'K'));
+    });
+    EXPECT_EQ(Manager().Data()->EditorFormData()->Setting()->Value("Width"), "740");
+}
+
+// --- The stand-in for an expert's settings ----------------------------------------------------
+
+class TPlainSettings : public TPersistent {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+
+    int Number = 1;
+};
+constexpr TPropInfo PlainProps[] = {Published<&TPlainSettings::Number>("Number")};
+constinit const TClassRecord TPlainSettings::ClassRecord{
+    "TPlainSettings", &TPersistent::ClassRecord, nullptr, PlainProps};
+
+class TOddSettings : public TPlainSettings {
+public:
+    static const TClassRecord ClassRecord;
+    const TClassRecord& ClassType() const override { return ClassRecord; }
+
+    int Twice() const { return Number * 2; }
+    TStrings* Lines() const { return FLines.get(); }
+    void SetLines(TStrings* value) { FLines->Assign(value); }
+
+private:
+    std::unique_ptr<TStringList> FLines = std::make_unique<TStringList>();
+};
+bool IsOdd(const TObject& object) {
+    return static_cast<const TOddSettings&>(object).Number % 2 != 0;
+}
+constexpr TPropInfo OddProps[] = {
+    Published<&TOddSettings::Twice>("Twice"),
+    Published<&TOddSettings::Lines, &TOddSettings::SetLines>("Lines"),
+    Published<&TPlainSettings::Number>("Number", {.IsStored = IsOdd}), // again, for its place
+};
+constinit const TClassRecord TOddSettings::ClassRecord{"TOddSettings", &TPlainSettings::ClassRecord,
+                                                       nullptr, OddProps};
+
+TEST(WorkingCopy, StandsInUnderTheNameOfTheClass) {
+    TOddSettings odd;
+    odd.Lines()->Add("a");
+    const std::unique_ptr<TPersistent> copy = NewSettingsCopy(odd);
+    std::string props(copy->ClassName());
+    ForEachProp(copy->ClassType(), [&](const TPropInfo& prop) {
+        props += Format(" %s%s%s", {prop.Name, prop.Set ? "" : " read-only",
+                                    prop.IsStored ? " asks another class" : ""});
+    });
+    EXPECT_EQ(props, "TOddSettings Twice read-only Lines Number");
+    const TPropInfo& lines = *copy->ClassType().FindProp("Lines");
+    TStringList more;
+    more.SetCommaText("b,c");
+    TObject* value = &more;
+    lines.Set(*copy, &value);
+    lines.Get(*copy, &value);
+    EXPECT_NE(value, &more); // it keeps the one that it has
+    EXPECT_EQ(static_cast<TStrings*>(value)->GetCommaText(), "b,c");
+    EXPECT_EQ(odd.Lines()->GetCommaText(), "a");
 }
 
 } // namespace
