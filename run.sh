@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the release, and runs it: without arguments the tour of the pack
-# on the example project, otherwise the command line with the arguments given.
+# on the example project, otherwise the command line with the arguments given. With the argument
+# "workbench" the desktop program, which gets the arguments behind it.
 set -euo pipefail
 start=$PWD
 cd "$(dirname "${BASH_SOURCE[0]}")"
@@ -9,6 +10,13 @@ source tools/setup.sh
 need g++ cmake ninja-build libcli11-dev
 wish binutils-mingw-w64-i686
 wish pkg-config libunicorn-dev libcapstone-dev
+if [ "${1:-}" = workbench ]; then
+    shift
+    need qt6-base-dev libqscintilla2-qt6-dev
+    build run release -DTARN_TESTS=OFF -- --target tarn-workbench
+    cd "$start"
+    exec "$OLDPWD/build/run/apps/workbench/tarn-workbench" "$@"
+fi
 build run release -DTARN_TESTS=OFF -- --target tarn
 
 program=$PWD/build/run/apps/tarn/tarn

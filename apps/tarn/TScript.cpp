@@ -224,6 +224,10 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
          if (!s.FSession.PackRuns()) Refuse("the pack is not started");
          s.FSession.StopPack();
      }},
+    {"picture", "NAME", "save a picture of the windows, where there are any", 1, 1,
+     [](TScript& s, const TStatement& statement) {
+         if (s.OnPicture) s.OnPicture(statement.Args[0]);
+     }},
     {"pump", "", "handle the posted messages, as the IDE does when it is idle", 0, 0,
      [](TScript& s, const TStatement&) { s.FSession.Ide().PumpMessages(); }},
     {"file", "NAME [crlf|lf|cr] [open-end]",
@@ -799,7 +803,7 @@ std::string TScript::Help() {
 
 // --- Playing ----------------------------------------------------------------------------------
 
-TScript::TScript(fs::path folder, TOutput output, TConsoleDialogs* console)
+TScript::TScript(fs::path folder, TOutput output, TUserDialogs* console)
     : FSession(console), FFolder(std::move(folder)), FOutput(std::move(output)) {
     TTrialExpert::FailsIn.clear();
     // A script has a package directory and a registry of its own: it depends on nothing that the
@@ -823,6 +827,7 @@ void TScript::RunNext() {
     } catch (const EScriptError& error) {
         throw EScriptError(error.ExitCode(), Format("%d: %s", {statement.Line, error.what()}));
     }
+    if (OnStatement) OnStatement();
     if (FFailure) std::rethrow_exception(std::exchange(FFailure, nullptr));
 }
 

@@ -22,9 +22,15 @@ public:
     /// \param output takes what the script prints, in whole lines
     /// \param console shows the dialogs that the script has queued no answer for, and outlives the
     /// object; null, for a script that plays the same way each time, shows them nowhere
-    TScript(std::filesystem::path folder, TOutput output, TConsoleDialogs* console = nullptr);
+    TScript(std::filesystem::path folder, TOutput output, TUserDialogs* console = nullptr);
     TScript(const TScript&) = delete;
     TScript& operator=(const TScript&) = delete;
+
+    TSession& Session() { return FSession; }
+    /// Called after each statement, for a front end that shows what it has done.
+    std::function<void()> OnStatement;
+    /// Takes a picture of what is on the screen under that name; empty: nothing is on a screen.
+    std::function<void(const std::string& name)> OnPicture;
 
     /// Plays the text to its end. Raises EScriptError "LINE: text" at the first statement that
     /// fails.

@@ -7,7 +7,7 @@
 namespace tarn {
 namespace fs = std::filesystem;
 
-TSession::TSession(TConsoleDialogs* console) : FFormerOS(InstallOS(&FOS)) {
+TSession::TSession(TUserDialogs* console) : FFormerOS(InstallOS(&FOS)) {
     FNoSaving.emplace(ExpManagerSlots().SaveExpData, nullptr);
     FOS.SetConsole(console);
     // The layout is the US one now: what the keys are called is kept for KeyOf.
@@ -150,7 +150,7 @@ std::string TSession::MenuText(bool all) {
 
 // --- The pack and its directory ---------------------------------------------------------------
 
-TRunningPack::TRunningPack(TConsoleDialogs* console, const std::string& packageDir,
+TRunningPack::TRunningPack(TUserDialogs* console, const std::string& packageDir,
                            const std::string& registry)
     : TSession(console) {
     const fs::path program = OS().GetModuleFileName();

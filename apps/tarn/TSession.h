@@ -23,7 +23,7 @@ class TSession {
 public:
     /// \param console shows the dialogs for which no answer is queued, and outlives the session;
     /// null shows them nowhere
-    explicit TSession(TConsoleDialogs* console = nullptr);
+    explicit TSession(TUserDialogs* console = nullptr);
     TSession(const TSession&) = delete;
     TSession& operator=(const TSession&) = delete;
     ~TSession();
@@ -75,7 +75,7 @@ public:
     /// \param packageDir of the pack, see PackageFolder
     /// \param registry the file with the pack's registry; the pack has none without it
     /// Raises EScriptError with what the IDE has shown when the pack does not start.
-    TRunningPack(TConsoleDialogs* console, const std::string& packageDir,
+    TRunningPack(TUserDialogs* console, const std::string& packageDir,
                  const std::string& registry = {});
 
     TExpManager& Manager() { return *TExpManager::Instance(); }

@@ -122,6 +122,11 @@ bool TIde::RunCommand(const std::function<void()>& command, TGroupKind kind) {
 bool TIde::PressKey(TShortCut key) {
     bool taken = false;
     // A key whose command fails has been taken by that command.
+    return !RunCommand([&] { taken = OfferKey(key) || OfferEditorKey(key); }) || taken;
+}
+
+bool TIde::PressShortCut(TShortCut key) {
+    bool taken = false;
     return !RunCommand([&] { taken = OfferKey(key); }) || taken;
 }
 
@@ -132,7 +137,11 @@ bool TIde::OfferKey(TShortCut key) {
     }
     TForm* const active = FScreen.ActiveForm();
     if (active && active->IsShortCut(key)) return true;
-    if (active != &FMainForm && FMainForm.IsShortCut(key)) return true;
+    // The commands of the main form wait until a modal form is closed.
+    return active != &FMainForm && !(active && active->Modal()) && FMainForm.IsShortCut(key);
+}
+
+bool TIde::OfferEditorKey(TShortCut key) {
     return FEditWindow.EditorHasFocus() && CurrentView() && PressEditorKey(*CurrentView(), key);
 }
 

@@ -55,6 +55,8 @@ public:
     /// form's menu and actions; those of the main form; the editor's own keys. False when nobody
     /// has taken it.
     bool PressKey(TShortCut key);
+    /// The same without the editor's own keys, for an editor that has keys itself.
+    bool PressShortCut(TShortCut key);
     /// Types into the editor; a line break is the Enter key. False when the editor does not have
     /// the focus. A command of its own unless told otherwise, see RunCommand.
     bool TypeText(std::string_view text, TGroupKind kind = gkCommand);
@@ -91,6 +93,7 @@ public:
 private:
     bool OpenMenus(TMenuItem& item);
     bool OfferKey(TShortCut key);
+    bool OfferEditorKey(TShortCut key);
 
     TApplication FApplication;
     TScreen FScreen;

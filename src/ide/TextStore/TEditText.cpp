@@ -237,6 +237,7 @@ bool TEditText::ChangesNothing(const TTextEdit& edit) const {
 
 /// Tells the lines of an edit that ends at the gap.
 void TEditText::UpdateLines(std::size_t from, std::size_t oldTo) {
+    ++FRevision;
     const std::string_view head = View(FText.Front());
     const bool lfFollows = head.size() < Size() && FText[head.size()] == '\n';
     FLines.Replaced(from, oldTo, head, lfFollows);

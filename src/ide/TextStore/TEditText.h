@@ -76,6 +76,9 @@ public:
     bool Undo(TViewState& view);
     bool Redo(TViewState& view);
 
+    /// Another number after each change of the text, for those who follow it.
+    std::uint64_t Revision() const { return FRevision; }
+
     /// Whether the text differs, by its steps, from the loaded or the saved one.
     bool Modified() const { return FUndo.Modified(); }
     /// Raises std::logic_error in a group.
@@ -97,6 +100,7 @@ private:
     TGapBuffer<char> FText;
     TLineIndex FLines;
     TLineBreak FLineBreak = lbCrLf;
+    std::uint64_t FRevision = 0;
     TUndoLog FUndo;
 };
 

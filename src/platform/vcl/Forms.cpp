@@ -48,7 +48,9 @@ TScreen* Screen() {
 
 TForm::TForm(TComponent* owner) : TControl(owner) {
     TControl::SetVisible(false);
-    if (TheScreen) TheScreen->AddForm(this);
+    if (!TheScreen) return;
+    TheScreen->AddForm(this);
+    Peer = TheScreen->Peer;
 }
 
 TForm::~TForm() {

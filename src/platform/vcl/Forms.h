@@ -76,6 +76,7 @@ public:
     /// is cancelled even if CloseQuery refuses. The form that was active before is active again.
     TModalResult ShowModal();
     TModalResult ModalResult = mrNone;
+    bool Modal() const { return FModal; } ///< whether ShowModal has it open
 
     TNotifyEvent OnShow; ///< the form becomes visible
     TCloseQueryEvent OnCloseQuery;
@@ -132,6 +133,10 @@ public:
 
     /// The names of the installed fonts; a front end fills in those of the system.
     TStrings& Fonts() { return FFonts; }
+
+    /// What new forms are shown by, and menus that have no peer of their own; null for nothing.
+    IControlPeer* Peer = nullptr;
+    IMenuPeer* MenuPeer = nullptr;
 
     int Cursor() const { return FCursor; }
     void SetCursor(int value) { FCursor = value; }

@@ -38,6 +38,7 @@ constinit const TClassRecord TControl::ClassRecord{"TControl", &TComponent::Clas
                                                    CreateObject<TControl>, ControlProps};
 
 TControl::~TControl() {
+    if (Peer) Peer->Gone(*this);
     for (TControl* child : FControls) child->FParent = nullptr;
     LeaveParent();
     if (FHandle != 0 && HasOS()) OS().DeallocateHWnd(FHandle);
@@ -50,8 +51,17 @@ void TControl::SetParent(TControl* parent) {
     LeaveParent();
     FParent = parent;
     if (parent) parent->FControls.push_back(this);
+    if (parent) TakePeer(parent->Peer);
     StateChanged();
     RequestAlign();
+}
+
+/// With all that it holds.
+void TControl::TakePeer(IControlPeer* peer) {
+    if (!peer || Peer) return;
+    Peer = peer;
+    StateChanged();
+    for (TControl* child : FControls) child->TakePeer(peer);
 }
 
 void TControl::LeaveParent() {

@@ -26,6 +26,8 @@ public:
     virtual void StateChanged(TControl& control) = 0;
     /// Painting of the control is held back or goes on.
     virtual void SetRedraw(TControl& control, bool on) = 0;
+    /// The control is being freed: it is known by its address alone.
+    virtual void Gone(TControl&) {}
 
 protected:
     ~IControlPeer() = default;
@@ -138,6 +140,7 @@ public:
     void Invalidate();
     void RedrawWindow(std::uint32_t flags);
 
+    /// A control takes that of its parent over, and a form that of the screen, see TScreen.
     IControlPeer* Peer = nullptr;
 
 protected:
@@ -157,6 +160,7 @@ protected:
 private:
     void SetBound(int TRect::*bound, int value);
     void LeaveParent();
+    void TakePeer(IControlPeer* peer);
     void Dispatch(TMessage& message);
     void TellFontChanged(TObject*) { FontChanged(); }
     TWndMethod OwnProc() { return TWndMethod::Of<&TControl::WndProc>(this); }

@@ -1,6 +1,7 @@
 #include "vcl/TMenuItem.h"
 
 #include "rtl/SysUtils.h"
+#include "vcl/Forms.h"
 
 #include <algorithm>
 
@@ -180,7 +181,8 @@ void TMenuItem::InitiateAction() {
 void TMenuItem::MenuChanged() {
     TMenuItem* root = this;
     while (root->FParent) root = root->FParent;
-    if (root->FMenu && root->FMenu->Peer) root->FMenu->Peer->MenuChanged(*root->FMenu);
+    if (!root->FMenu) return;
+    if (IMenuPeer* const peer = root->FMenu->ShownBy()) peer->MenuChanged(*root->FMenu);
 }
 
 TMenuItem* NewLine() {
@@ -221,6 +223,10 @@ void TMenu::SetChildOrder(TComponent& child, int order) {
     FRoot.SetChildOrder(child, order);
 }
 
+IMenuPeer* TMenu::ShownBy() const {
+    return Peer || !Screen() ? Peer : Screen()->MenuPeer;
+}
+
 TMenuItem* TMenu::FindItem(TShortCut shortCut) {
     return shortCut == 0 ? nullptr : FindBelow(FRoot, shortCut);
 }
@@ -247,7 +253,7 @@ void TPopupMenu::Popup(TComponent* component) {
     if (const TNotifyEvent handler = OnPopup) handler(this);
     if (!alive) return;
     InitiateActions();
-    if (alive && Peer) Peer->Popup(*this);
+    if (IMenuPeer* const peer = alive ? ShownBy() : nullptr) peer->Popup(*this);
 }
 
 } // namespace tarn

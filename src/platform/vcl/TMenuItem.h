@@ -129,7 +129,8 @@ public:
 
     TMenuItem* Items() { return &FRoot; }
     TImageList* Images = nullptr;
-    IMenuPeer* Peer = nullptr;
+    IMenuPeer* Peer = nullptr; ///< null: that of the screen, see TScreen
+    IMenuPeer* ShownBy() const;
 
     /// The first item of that shortcut, depth first; null when none.
     TMenuItem* FindItem(TShortCut shortCut);

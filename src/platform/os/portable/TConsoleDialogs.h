@@ -1,6 +1,6 @@
 #pragma once
 
-#include "os/OS.h"
+#include "os/portable/TUserDialogs.h"
 
 #include <iosfwd>
 #include <span>
@@ -23,7 +23,7 @@ std::span<const TDialogButton> ButtonsOf(std::uint32_t flags);
 /// Shows dialogs as text. At a terminal a line is read as the answer; elsewhere, at the end of the
 /// input and for an empty line the cautious answer is taken and printed. What is no answer is asked
 /// for again.
-class TConsoleDialogs {
+class TConsoleDialogs : public TUserDialogs {
 public:
     /// \param in, out must outlive the object
     /// \param terminal whether somebody sits at both of them
@@ -37,16 +37,18 @@ public:
 
     /// Shows "caption: icon: text" and takes one of the box's buttons by its name or its first
     /// letter, without regard to case. A box with a single button waits for nothing.
-    TDialogAnswer MessageBox(std::string_view text, std::string_view caption, std::uint32_t flags);
+    TDialogAnswer MessageBox(std::string_view text, std::string_view caption,
+                             std::uint32_t flags) override;
     /// Asks for an existing folder, whose full name is the result; none when that is cancelled. A
     /// relative name begins at `folder`, or at the current one when that is empty.
-    std::optional<std::string> SelectDirectory(std::string_view title, std::string_view folder);
+    std::optional<std::string> SelectDirectory(std::string_view title,
+                                               std::string_view folder) override;
     /// Asks for a file, which exists unless it is to be saved, and whose full name is the result;
     /// none when that is cancelled. A relative name begins at the folder of the question's.
-    std::optional<std::string> ChooseFile(const TFileQuestion& question);
+    std::optional<std::string> ChooseFile(const TFileQuestion& question) override;
     /// Asks for a line of text; none when nobody is there. An empty line is the text that there is.
     std::optional<std::string> InputText(std::string_view caption, std::string_view prompt,
-                                         std::string_view value);
+                                         std::string_view value) override;
 
 private:
     /// A line of the user's without the blanks around it; none when there is nobody to ask.

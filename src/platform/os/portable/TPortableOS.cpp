@@ -198,7 +198,7 @@ std::optional<std::string> TPortableOS::AnswerText(std::deque<std::string>& queu
 
 std::optional<std::string> TPortableOS::SelectDirectory(std::string_view title,
                                                         std::string_view folder) {
-    return AnswerText(FFolders, title, [&](TConsoleDialogs& console) {
+    return AnswerText(FFolders, title, [&](TUserDialogs& console) {
         return console.SelectDirectory(title, folder);
     });
 }
@@ -215,7 +215,7 @@ std::string WithExtension(std::string name, std::string_view extension) {
 } // namespace
 
 std::optional<std::string> TPortableOS::ChooseFile(const TFileQuestion& question) {
-    const auto ask = [&](TConsoleDialogs& console) { return console.ChooseFile(question); };
+    const auto ask = [&](TUserDialogs& console) { return console.ChooseFile(question); };
     while (auto chosen = AnswerText(FFiles, question.Title, ask)) {
         const std::string file = WithExtension(std::move(*chosen), question.DefaultExt);
         std::error_code error;
@@ -229,7 +229,7 @@ std::optional<std::string> TPortableOS::ChooseFile(const TFileQuestion& question
 
 std::optional<std::string> TPortableOS::InputText(std::string_view caption, std::string_view prompt,
                                                   std::string_view value) {
-    return AnswerText(FInputs, caption, [&](TConsoleDialogs& console) {
+    return AnswerText(FInputs, caption, [&](TUserDialogs& console) {
         return console.InputText(caption, prompt, value);
     });
 }

@@ -98,7 +98,7 @@ public:
     void QueueInput(std::string_view text) { FInputs.emplace_back(text); }
     /// Shows the dialogs for which no answer is queued; must outlive the object. Null, as it is at
     /// first, shows them nowhere.
-    void SetConsole(TConsoleDialogs* console) { FConsole = console; }
+    void SetConsole(TUserDialogs* console) { FConsole = console; }
     const std::vector<TShownDialog>& Dialogs() const { return FDialogs; }
     int Beeps() const { return FBeeps; }
     std::size_t PendingMessages() const { return FQueue.size(); }
@@ -151,7 +151,7 @@ private:
     std::deque<std::string> FFolders;
     std::deque<std::string> FFiles;
     std::deque<std::string> FInputs;
-    TConsoleDialogs* FConsole = nullptr;
+    TUserDialogs* FConsole = nullptr;
     std::vector<TShownDialog> FDialogs;
     std::string FModuleFileName;
     std::map<HMODULE, TPEStrings> FModules;

@@ -1,0 +1,46 @@
+// Which widget shows a control of which class.
+
+#include "Mirrors.h"
+#include "TEditorMirror.h"
+#include "TFormMirror.h"
+#include "TFrontEnd.h"
+
+namespace tarn {
+namespace {
+
+struct TMirrorRow {
+    const TClassRecord* Class;
+    std::unique_ptr<TMirror> (*Make)(TFrontEnd& frontEnd, TControl& control);
+};
+
+template <class Mirror> std::unique_ptr<TMirror> Make(TFrontEnd& frontEnd, TControl& control) {
+    return std::make_unique<Mirror>(frontEnd, static_cast<typename Mirror::TMirrored&>(control));
+}
+
+template <class Mirror> constexpr TMirrorRow Row() {
+    return {&Mirror::TMirrored::ClassRecord, Make<Mirror>};
+}
+
+/// A class comes before those that it descends from.
+constexpr TMirrorRow Rows[] = {
+    Row<TMainFormMirror>(),   Row<TEditWindowMirror>(), Row<TFormMirror>(),
+    Row<TSpinEditMirror>(),   Row<TMemoMirror>(),       Row<TEditMirror>(),
+    Row<TComboBoxMirror>(),   Row<TCheckListMirror>(),  Row<TListBoxMirror>(),
+    Row<TCheckBoxMirror>(),   Row<TButtonMirror>(),     Row<TLabelMirror>(),
+    Row<TTreeMirror>(),       Row<THeaderMirror>(),     Row<TStatusBarMirror>(),
+    Row<TScrollBoxMirror>(),  Row<TSplitterMirror>(),   Row<TToolBarMirror>(),
+    Row<TToolButtonMirror>(), Row<TTabsMirror>(),       Row<TGridMirror>(),
+    Row<TColorMirror>(),      Row<TFontMirror>(),       Row<TDateTimeMirror>(),
+    Row<THotKeyMirror>(),     Row<TImageMirror>(),      Row<TPanelMirror>(),
+};
+
+} // namespace
+
+std::unique_ptr<TMirror> MakeMirror(TFrontEnd& frontEnd, TControl& control) {
+    if (auto editor = TEditorMirror::For(frontEnd, control)) return editor;
+    for (const TMirrorRow& row : Rows)
+        if (control.InheritsFrom(*row.Class)) return row.Make(frontEnd, control);
+    return nullptr;
+}
+
+} // namespace tarn

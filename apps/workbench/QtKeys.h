@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vcl/ShortCuts.h"
+
+class QKeyEvent;
+
+namespace tarn {
+
+/// The key of an event with its modifiers; 0 for one without a virtual key code, such as a modifier
+/// alone. Keys of signs are those of a US keyboard.
+TShortCut ShortCutOf(const QKeyEvent& event);
+
+} // namespace tarn

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Mirrors.h"
+#include "Windows/TEditWindow.h"
+#include "Windows/TIdeMainForm.h"
+
+#include <QMainWindow>
+
+namespace tarn {
+
+/// A form as a window of its own.
+class TFormMirror : public TMirrorOf<TForm, QWidget> {
+public:
+    TFormMirror(TFrontEnd& frontEnd, TForm& form);
+
+protected:
+    TFormMirror(TFrontEnd& frontEnd, TForm& form, QWidget* window);
+    void SyncPlace() override;
+    void SyncState() override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+    /// The user wants the window closed. The form decides.
+    virtual void UserCloses();
+
+private:
+    bool FPlaced = false;
+};
+
+/// The IDE's main form: the menu bar and, inside, the editor.
+class TMainFormMirror : public TFormMirror {
+public:
+    using TMirrored = TIdeMainForm;
+    TMainFormMirror(TFrontEnd& frontEnd, TIdeMainForm& form);
+
+    QMainWindow& Window() const { return static_cast<QMainWindow&>(*Widget()); }
+    /// Shows the menu bar as it is now.
+    void SyncMenu();
+
+protected:
+    void SyncPlace() override {}
+    void SyncState() override;
+    void UserCloses() override;
+};
+
+/// The window of the source editor stands in the main one.
+class TEditWindowMirror : public TMirrorOf<TEditWindow, QWidget> {
+public:
+    TEditWindowMirror(TFrontEnd& frontEnd, TEditWindow& window);
+
+protected:
+    void SyncPlace() override;
+};
+
+} // namespace tarn

@@ -1,0 +1,94 @@
+#include "TQtDialogs.h"
+
+#include "TMirror.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+
+namespace tarn {
+namespace {
+
+QMessageBox::Icon IconOf(std::uint32_t flags) {
+    switch (flags & 0xF0) {
+    case MB_ICONERROR:
+        return QMessageBox::Critical;
+    case MB_ICONQUESTION:
+        return QMessageBox::Question;
+    case MB_ICONWARNING:
+        return QMessageBox::Warning;
+    case MB_ICONINFORMATION:
+        return QMessageBox::Information;
+    default:
+        return QMessageBox::NoIcon;
+    }
+}
+
+} // namespace
+
+TDialogAnswer TQtDialogs::MessageBox(std::string_view text, std::string_view caption,
+                                     std::uint32_t flags) {
+    QMessageBox box(IconOf(flags), FromText(caption), FromText(text), QMessageBox::NoButton,
+                    QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    const std::uint32_t buttons = flags & 0xF;
+    if (buttons == MB_OK) {
+        box.setStandardButtons(QMessageBox::Ok);
+        box.exec();
+        return IDOK;
+    }
+    const bool cancels = buttons == MB_YESNOCANCEL;
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No |
+                           (cancels ? QMessageBox::Cancel : QMessageBox::NoButton));
+    box.setEscapeButton(cancels ? QMessageBox::Cancel : QMessageBox::No);
+    switch (box.exec()) {
+    case QMessageBox::Yes:
+        return IDYES;
+    case QMessageBox::Cancel:
+        return IDCANCEL;
+    default:
+        return IDNO;
+    }
+}
+
+std::optional<std::string> TQtDialogs::SelectDirectory(std::string_view title,
+                                                       std::string_view folder) {
+    const QString chosen = QFileDialog::getExistingDirectory(QApplication::activeWindow(),
+                                                             FromText(title), FromText(folder));
+    return chosen.isEmpty() ? std::nullopt : std::optional(ToText(chosen));
+}
+
+QString FilterOf(std::string_view filter) {
+    const QStringList parts = FromText(filter).split('|');
+    QStringList result;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        const QString name = parts[i].section('(', 0, 0).trimmed();
+        QString patterns = parts[i + 1];
+        result << name + " (" + patterns.replace(';', ' ').replace("*.*", "*") + ")";
+    }
+    return result.join(";;");
+}
+
+std::optional<std::string> TQtDialogs::ChooseFile(const TFileQuestion& question) {
+    QFileDialog dialog(QApplication::activeWindow(), FromText(question.Title));
+    dialog.setNameFilters(FilterOf(question.Filter).split(";;"));
+    dialog.setAcceptMode(question.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(question.Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, !question.OverwritePrompt);
+    dialog.setDefaultSuffix(FromText(question.DefaultExt));
+    if (!question.FileName.empty()) dialog.selectFile(FromText(question.FileName));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+    return ToText(dialog.selectedFiles().front());
+}
+
+std::optional<std::string> TQtDialogs::InputText(std::string_view caption, std::string_view prompt,
+                                                 std::string_view value) {
+    bool accepted = false;
+    const QString text =
+        QInputDialog::getText(QApplication::activeWindow(), FromText(caption), FromText(prompt),
+                              QLineEdit::Normal, FromText(value), &accepted);
+    return accepted ? std::optional(ToText(text)) : std::nullopt;
+}
+
+} // namespace tarn
