@@ -1,7 +1,12 @@
 // The settings editor: building its tree, the rows of a node, and one change notification. The
 // yardstick is a plain Qt form with the same nodes, rows and controls, where Qt is there.
 
+#include "Package.h"
+#include "TBenchFolder.h"
+#include "TExpManager.h"
+#include "TIde.h"
 #include "os/portable/TPortableOS.h"
+#include "qsExpMng.h"
 #include "qsSpcEditor.h"
 
 #include <benchmark/benchmark.h>
@@ -156,6 +161,37 @@ void Change(benchmark::State& state) {
     if (!editor.Modified()) state.SkipWithError("no change was seen");
 }
 BENCHMARK(Change)->Arg(100)->Arg(10'000);
+
+// --- The pack's own tree ------------------------------------------------------------------------
+
+/// Selects all nodes of the pack's settings, one after the other, in the window of "Edit...".
+void PackNodes(benchmark::State& state) {
+    const TBenchFolder folder;
+    TPortableOS os;
+    os.SetModuleFileName((folder.Path() / "package").string());
+    TOperatingSystem* const before = InstallOS(&os);
+    {
+        TIde ide;
+        ide.Packages().Load({InitializePackage, Register, FinalizePackage});
+        ide.PumpMessages();
+        int nodes = 0;
+        auto modal = [&](TForm& form) {
+            ide.PumpMessages();
+            TTreeView& tree = dynamic_cast<TSpcForm&>(form).Tree();
+            nodes = tree.Items().Count();
+            for (auto _ : state) // NOLINT(clang-analyzer-deadcode.DeadStores)
+                for (TTreeNode* node = tree.Items().GetFirstNode(); node; node = node->GetNext())
+                    tree.SetSelected(node);
+        };
+        Application()->OnModal = TMethod<void(TForm&)>::Calling(modal);
+        TExpManager::Instance()->EditSettings2(nullptr);
+        Application()->OnModal = {};
+        if (nodes == 0) state.SkipWithError("the window was not shown");
+        state.counters["nodes"] = nodes;
+    }
+    InstallOS(before);
+}
+BENCHMARK(PackNodes)->Unit(benchmark::kMillisecond);
 
 // --- The yardstick ----------------------------------------------------------------------------
 
