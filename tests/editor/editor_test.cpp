@@ -425,7 +425,9 @@ TEST_F(EditorHandlers, PaintsOnce) {
     Ed->EndUpdate(akControl);
     std::erase(area.Told, 's');
     EXPECT_EQ(area.Told, "-+r");
-    Ed->Form()->ControlArea().Peer = nullptr;
+    TPanel& panel = Ed->Form()->ControlArea();
+    panel.Peer = nullptr;
+    for (int i = 0; i < panel.ControlCount(); ++i) panel.Controls(i)->Peer = nullptr;
     ExpectClean();
 }
 
