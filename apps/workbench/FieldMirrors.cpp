@@ -54,11 +54,6 @@ char32_t ControlCharOf(const QKeyEvent& key) {
     return 0;
 }
 
-bool IsTyped(const QKeyEvent& key) {
-    return !key.text().isEmpty() && key.text().front().isPrint() &&
-           (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != Qt::ControlModifier;
-}
-
 /// Deletes the selection, or the character behind the caret.
 void DeleteForwards(TCustomEdit& edit) {
     if (edit.SelLength() == 0) {

@@ -54,4 +54,11 @@ TShortCut ShortCutOf(const QKeyEvent& event) {
     return result;
 }
 
+bool IsTyped(const QKeyEvent& event) {
+    // Both together are the key that gives third characters on some keyboards.
+    const bool ctrl = event.modifiers().testFlag(Qt::ControlModifier);
+    const bool alt = event.modifiers().testFlag(Qt::AltModifier);
+    return !event.text().isEmpty() && event.text().front().isPrint() && ctrl == alt;
+}
+
 } // namespace tarn

@@ -10,4 +10,7 @@ namespace tarn {
 /// alone. Keys of signs are those of a US keyboard.
 TShortCut ShortCutOf(const QKeyEvent& event);
 
+/// Whether the key types a character, and so is no command's.
+bool IsTyped(const QKeyEvent& event);
+
 } // namespace tarn

@@ -89,16 +89,11 @@ void TFrontEnd::StateChanged(TControl& control) {
 
 void TFrontEnd::Gone(TControl& control) {
     FMirrors.erase(&control);
-    FHeldBack.erase(&control);
     if (FIsChanged.erase(&control) == 0) return;
     std::erase(FChanged, &control);
 }
 
 void TFrontEnd::SetRedraw(TControl& control, bool on) {
-    if (on)
-        FHeldBack.erase(&control);
-    else
-        FHeldBack.insert(&control);
     if (QWidget* const widget = WidgetOf(control)) widget->setUpdatesEnabled(on);
 }
 
@@ -123,11 +118,12 @@ void TFrontEnd::Shown(TControl& control) {
 
 void TFrontEnd::Flush() {
     FFlushPosted = false;
-    // What a mirror does may change controls again, once or twice.
-    for (int round = 0; round < 4 && !FChanged.empty(); ++round) {
-        const std::vector<TControl*> changed = std::exchange(FChanged, {});
-        FIsChanged.clear();
-        for (TControl* const control : changed) Shown(*control);
+    // What a mirror does may change controls again, once or twice, or free one that waits.
+    for (std::size_t most = 4 * FChanged.size(); most > 0 && !FChanged.empty(); --most) {
+        TControl* const control = FChanged.front();
+        FChanged.pop_front();
+        FIsChanged.erase(control);
+        Shown(*control);
     }
     if (TMirror* const editor = MirrorOf(Ide().EditWindow().Editor())) editor->Sync();
     if (!std::exchange(FMenuChanged, false)) return;
@@ -156,16 +152,6 @@ bool TFrontEnd::OfferKey(TShortCut key) {
 }
 
 // --- Keys -------------------------------------------------------------------------------------
-
-namespace {
-
-/// A key that types a character is no command's.
-bool IsTyped(const QKeyEvent& key) {
-    return !key.text().isEmpty() && key.text().front().isPrint() &&
-           (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0;
-}
-
-} // namespace
 
 /// Keys go the way that they go in the IDE before the widget that has the focus gets them.
 bool TFrontEnd::eventFilter(QObject* object, QEvent* event) {

@@ -7,6 +7,7 @@
 
 #include <QObject>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <unordered_map>
@@ -73,9 +74,8 @@ private:
     IControlPeer* FFormerPeer;
     ITextMeasure* FFormerMeasure;
     std::unordered_map<const TControl*, std::unique_ptr<TMirror>> FMirrors;
-    std::vector<TControl*> FChanged; ///< in the order of their first change
+    std::deque<TControl*> FChanged; ///< in the order of their first change
     std::unordered_set<const TControl*> FIsChanged;
-    std::unordered_set<const TControl*> FHeldBack; ///< painting is held back
     bool FFlushPosted = false;
     bool FMenuChanged = false;
 };

@@ -10,15 +10,20 @@
 #include <QMimeData>
 
 namespace tarn {
+namespace {
+
+constexpr TVirtualKey VK_F3 = 0x72, VK_F4 = 0x73;
+
+} // namespace
 
 TWorkbench::TWorkbench(TSession& session) : FSession(session), FFrontEnd(session) {
     Application()->OnModal = TMethod<void(TForm&)>::Of<&TFrontEnd::RunModal>(&FFrontEnd);
-    AddCommand("FileOpenItem", TNotifyEvent::Of<&TWorkbench::OpenFiles>(this));
-    AddCommand("FileExitItem", TNotifyEvent::Of<&TWorkbench::Leave>(this));
-    AddCommand("SearchFindItem", TNotifyEvent::Of<&TWorkbench::Find>(this));
-    AddCommand("SearchAgainItem", TNotifyEvent::Of<&TWorkbench::FindAgain>(this));
-    AddCommand("SearchGoToItem", TNotifyEvent::Of<&TWorkbench::GoToLine>(this));
-    AddCommand("HelpAboutItem", TNotifyEvent::Of<&TWorkbench::ShowAbout>(this));
+    AddCommand("FileOpenItem", scCtrl | 'O', TNotifyEvent::Of<&TWorkbench::OpenFiles>(this));
+    AddCommand("FileExitItem", scAlt | VK_F4, TNotifyEvent::Of<&TWorkbench::Leave>(this));
+    AddCommand("SearchFindItem", scCtrl | 'F', TNotifyEvent::Of<&TWorkbench::Find>(this));
+    AddCommand("SearchAgainItem", VK_F3, TNotifyEvent::Of<&TWorkbench::FindAgain>(this));
+    AddCommand("SearchGoToItem", scCtrl | 'G', TNotifyEvent::Of<&TWorkbench::GoToLine>(this));
+    AddCommand("HelpAboutItem", 0, TNotifyEvent::Of<&TWorkbench::ShowAbout>(this));
     // The pack's posted messages, and the state of its commands.
     connect(&FIdle, &QTimer::timeout, this, [this] { FFrontEnd.Pump(); });
     FIdle.start(50);
@@ -39,17 +44,13 @@ void TWorkbench::Start() {
 }
 
 /// Gives an item of the IDE's menu, which has no command there, one of the desktop's.
-void TWorkbench::AddCommand(std::string_view name, TNotifyEvent execute) {
+void TWorkbench::AddCommand(std::string_view name, TShortCut shortCut, TNotifyEvent execute) {
     TIdeMainForm& form = FSession.Ide().MainForm();
     auto* const item = dynamic_cast<TMenuItem*>(form.FindComponent(name));
     if (!item) return;
-    const TShortCut keys[] = {scCtrl | 'O', scAlt | 0x73, scCtrl | 'F', 0x72, scCtrl | 'G', 0};
-    constexpr std::string_view names[] = {"FileOpenItem",    "FileExitItem",   "SearchFindItem",
-                                          "SearchAgainItem", "SearchGoToItem", "HelpAboutItem"};
     item->OnClick = execute;
     item->SetEnabled(true);
-    for (std::size_t i = 0; i < std::size(names); ++i)
-        if (names[i] == name) item->SetShortCut(keys[i]);
+    item->SetShortCut(shortCut);
 }
 
 // --- Files ------------------------------------------------------------------------------------

@@ -24,7 +24,7 @@ protected:
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
-    void AddCommand(std::string_view item, TNotifyEvent execute);
+    void AddCommand(std::string_view item, TShortCut shortCut, TNotifyEvent execute);
     void OpenFiles(TObject*);
     void Leave(TObject*);
     void Find(TObject*);
