@@ -12,7 +12,8 @@ constinit const TClassRecord TLocaleForm::ClassRecord{"TLocaleForm", &TForm::Cla
 namespace {
 
 constexpr int LanguageCol = 0, LibraryCol = 1;
-constexpr int ButtonWidth = 180; // pixels, for the longest caption in any language
+
+constexpr TRect FirstPlace = {0, 0, 520, 240}; // pixels
 
 /// An action of the form, in its list.
 TAction* NewAction(TActionList* list, std::string_view name, std::string_view caption,
@@ -34,12 +35,15 @@ TLocaleForm::TLocaleForm(TComponent* owner)
       FActions(new TActionList(this)) {
     SetName("LocaleForm");
     SetCaption(LocaleStr(50513));
+    SetBoundsRect(FirstPlace);
     FToolBar->SetName("ToolBar");
     FToolBar->SetParent(this);
+    FToolBar->SetAlign(alTop);
     FToolBar->SetShowCaptions(true);
-    FToolBar->SetButtonWidth(ButtonWidth);
+    FToolBar->SetWrapable(true);
     FLocaleGrid->SetName("LocaleGrid");
     FLocaleGrid->SetParent(this);
+    FLocaleGrid->SetAlign(alClient);
     FLocaleGrid->SetCell(LanguageCol, 0, LocaleStr(50506));
     FLocaleGrid->SetCell(LibraryCol, 0, LocaleStr(50507));
     SetActiveControl(FLocaleGrid);

@@ -84,6 +84,38 @@ TEST_F(ToolBar, PlacesItsButtonsInARow) {
     EXPECT_EQ(Owner.ComponentCount(), 5);
 }
 
+/// With the measure that needs no fonts a character takes 6 pixels.
+TEST_F(ToolBar, WrapsAndMakesRoomForCaptions) {
+    TControl form;
+    form.SetBoundsRect({0, 0, 130, 100});
+    TControl rest(&form);
+    Bar->SetParent(&form);
+    rest.SetParent(&form);
+    Bar->SetAlign(alTop);
+    rest.SetAlign(alClient);
+    const auto rows = [&] {
+        std::string text;
+        for (int i = 0; i < Bar->ButtonCount(); ++i) {
+            const TRect& at = Bar->Buttons(i)->BoundsRect();
+            text += Format("%d:%d+%d ", {at.Top / Bar->ButtonHeight(), at.Left, at.Width});
+        }
+        return text + Format("%d %d", {Bar->Height(), rest.Top()});
+    };
+    Bar->SetWrapable(true);
+    EXPECT_EQ(rows(), "0:0+23 0:23+8 0:31+36 0:67+8 0:75+23 0:98+23 22 22");
+    Bar->SetShowCaptions(true);
+    Bar->Buttons(0)->SetCaption("&Refresh"); // 42 and two margins
+    EXPECT_EQ(rows(), "0:0+58 0:58+8 0:66+36 0:102+8 1:0+23 1:23+23 44 44");
+    form.SetWidth(60);
+    EXPECT_EQ(rows(), "0:0+58 1:0+8 1:8+36 1:44+8 2:0+23 2:23+23 66 66");
+    form.SetWidth(300);
+    EXPECT_EQ(rows(), "0:0+58 0:58+8 0:66+36 0:102+8 0:110+23 0:133+23 22 22");
+    Bar->SetWrapable(false);
+    form.SetWidth(60);
+    EXPECT_EQ(rows(), "0:0+58 0:58+8 0:66+36 0:102+8 0:110+23 0:133+23 22 22");
+    Bar->SetParent(nullptr);
+}
+
 TEST_F(ToolBar, ButtonsFollowTheirAction) {
     const auto state = [](const TToolButton& button) {
         return Format("%s|%s|%d%d%d|%d", {button.Caption(), button.Hint(), button.Down(),

@@ -13,7 +13,6 @@ namespace {
 
 constexpr int DefaultCount = 10;
 constexpr int MenuCounts[] = {10, 20, 30, 40, 50};
-constexpr int ButtonWidth = 200; // pixels, for the longest caption in any language
 
 TMenuItem* AddRadioItem(TPopupMenu& menu, std::string_view caption, int tag, TNotifyEvent click) {
     auto* const item = new TMenuItem;
@@ -89,7 +88,7 @@ TCPUForm::TCPUForm(TComponent* owner, TCPUFormMng* manager)
     FToolBar->SetAlign(alTop);
     FToolBar->SetHeight(TToolBar::DefaultButtonHeight);
     FToolBar->SetShowCaptions(true);
-    FToolBar->SetButtonWidth(ButtonWidth);
+    FToolBar->SetWrapable(true);
     FMemo->SetName("Memo");
     FMemo->SetParent(this);
     FMemo->SetAlign(alClient);

@@ -14,7 +14,6 @@ constinit const TClassRecord TUnitForm::ClassRecord{"TUnitForm", &TSharedForm::C
 namespace {
 
 constexpr std::uint32_t CloseInterval = 100; // milliseconds
-constexpr int ButtonWidth = 150;             // pixels, for the longest caption in any language
 constexpr TRect FirstPlace{200, 150, 480, 400};
 constexpr int PanelHeight = 28;
 constexpr std::string_view RefreshKey = "F5";
@@ -114,7 +113,7 @@ TAction* TUnitForm::NewAction(std::string_view name, std::string_view caption, T
 void TUnitForm::MakeToolBar() {
     FToolBar->SetName("ToolBar");
     FToolBar->SetShowCaptions(true);
-    FToolBar->SetButtonWidth(ButtonWidth);
+    FToolBar->SetWrapable(true);
     FToolBar->SetHeight(TToolBar::DefaultButtonHeight);
     FToolBar->SetAlign(alTop);
     FToolBar->SetParent(this);

@@ -204,6 +204,11 @@ void TControl::WndProc(TMessage& message) {
         Peer->SetRedraw(*this, message.WParam != 0);
 }
 
+const TFont& TControl::MeasuredFont() const {
+    static const TFont systemFont;
+    return HasFont() ? *FFont : systemFont;
+}
+
 void TControl::StateChanged() {
     if (Peer) Peer->StateChanged(*this);
 }
@@ -252,12 +257,23 @@ TRect TakePlace(TRect& rest, TAlign side, const TRect& size) {
 
 } // namespace
 
+/// A control may take another height with the width that it gets, such as a bar that wraps: it gets
+/// its place by that height then.
+void TControl::PlaceInto(TRect& rest, TControl& control) {
+    const TRect before = rest;
+    const TRect place = TakePlace(rest, control.FAlign, control.FBounds);
+    control.SetBoundsRect(place);
+    const bool isRow = control.FAlign == alTop || control.FAlign == alBottom;
+    if (!isRow || control.Height() == place.Height) return;
+    rest = before;
+    control.SetBoundsRect(TakePlace(rest, control.FAlign, control.FBounds));
+}
+
 void TControl::AlignControls() {
     TRect rest{0, 0, std::max(Width(), 0), std::max(Height(), 0)};
     for (const TAlign side : {alTop, alBottom, alLeft, alRight, alClient})
         for (TControl* control : FControls)
-            if (control->FAlign == side && control->FVisible)
-                control->SetBoundsRect(TakePlace(rest, side, control->FBounds));
+            if (control->FAlign == side && control->FVisible) PlaceInto(rest, *control);
 }
 
 // --- Focus ------------------------------------------------------------------------------------

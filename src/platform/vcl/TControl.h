@@ -95,6 +95,8 @@ public:
     TFont& Font() { return *FontObject(); }
     TFont* FontObject() const; ///< published as "Font", stored once it was asked for
     bool HasFont() const { return FFont != nullptr; }
+    /// The font to measure texts with: the control's own, or else the system's.
+    const TFont& MeasuredFont() const;
     /// The colour of the control's surface; clDefault is what a front end gives its kind.
     TColor Color() const { return FColor; }
     void SetColor(TColor value);
@@ -160,6 +162,7 @@ protected:
 private:
     void SetBound(int TRect::*bound, int value);
     void LeaveParent();
+    static void PlaceInto(TRect& rest, TControl& control);
     void TakePeer(IControlPeer* peer);
     void Dispatch(TMessage& message);
     void TellFontChanged(TObject*) { FontChanged(); }

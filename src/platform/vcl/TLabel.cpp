@@ -44,11 +44,6 @@ void TLabel::Loaded() {
     AdjustBounds();
 }
 
-const TFont& TLabel::MeasuredFont() const {
-    static const TFont systemFont;
-    return HasFont() ? *FontObject() : systemFont;
-}
-
 void TLabel::AdjustBounds() {
     // While the label is read, what is still to come may turn AutoSize off.
     if (!FAutoSize || ComponentState().Contains(csLoading)) return;

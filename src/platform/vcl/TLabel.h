@@ -37,8 +37,6 @@ public:
 protected:
     void FontChanged() override;
     void Loaded() override;
-    /// The font to measure the text with: the label's own, or else the system's.
-    const TFont& MeasuredFont() const;
 
 private:
     void AdjustBounds();

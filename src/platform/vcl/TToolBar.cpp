@@ -1,6 +1,7 @@
 #include "vcl/TToolBar.h"
 
 #include "rtl/SysUtils.h"
+#include "vcl/TTextMeasure.h"
 
 #include <algorithm>
 
@@ -39,6 +40,11 @@ constinit const TClassRecord TToolBar::ClassRecord{"TToolBar", &TControl::ClassR
 
 // --- TToolButton ------------------------------------------------------------------------------
 
+void TToolButton::SetCaption(std::string_view value) {
+    SetText(value);
+    RequestAlign();
+}
+
 void TToolButton::SetDown(bool value) {
     FDown = value;
     StateChanged();
@@ -58,7 +64,11 @@ void TToolButton::SetStyle(TToolButtonStyle value) {
 int TToolButton::Width() const {
     if (IsSeparator()) return FSeparatorWidth;
     const auto* const bar = ClassCast<TToolBar>(Parent());
-    const int width = bar ? bar->ButtonWidth() : TToolBar::DefaultButtonWidth;
+    int width = bar ? bar->ButtonWidth() : TToolBar::DefaultButtonWidth;
+    if (bar && bar->ShowCaptions()) {
+        const int caption = MeasureText(bar->MeasuredFont(), StripHotkey(Caption())).Width;
+        width = std::max(width, caption + 2 * TToolBar::CaptionMargin);
+    }
     return FStyle == tbsDropDown ? width + TToolBar::ArrowWidth : width;
 }
 
@@ -144,19 +154,30 @@ void TToolBar::SetButtonWidth(int value) {
 
 void TToolBar::SetShowCaptions(bool value) {
     FShowCaptions = value;
-    StateChanged();
+    Realign();
+}
+
+void TToolBar::SetWrapable(bool value) {
+    FWrapable = value;
+    Realign();
 }
 
 void TToolBar::AlignControls() {
     int left = 0;
+    int top = 0;
     for (int i = 0; i < ControlCount(); ++i) {
         TControl& control = *Controls(i);
         if (!control.Visible()) continue;
         const auto* const button = ClassCast<TToolButton>(&control);
         const int width = button ? button->Width() : control.BoundsRect().Width;
-        control.SetBoundsRect({left, 0, width, FButtonHeight});
+        if (FWrapable && left > 0 && left + width > Width()) {
+            left = 0;
+            top += FButtonHeight;
+        }
+        control.SetBoundsRect({left, top, width, FButtonHeight});
         left += width;
     }
+    if (FWrapable) SetHeight(top + FButtonHeight);
     StateChanged();
 }
 

@@ -28,7 +28,7 @@ public:
     ~TToolButton() override { SetAction(nullptr); }
 
     const std::string& Caption() const { return Text(); }
-    void SetCaption(std::string_view value) { SetText(value); }
+    void SetCaption(std::string_view value);
     bool Down() const { return FDown; }
     void SetDown(bool value);
     int ImageIndex() const { return FImageIndex; }
@@ -36,7 +36,8 @@ public:
     TToolButtonStyle Style() const { return FStyle; }
     void SetStyle(TToolButtonStyle value);
     bool IsSeparator() const { return FStyle == tbsSeparator || FStyle == tbsDivider; }
-    /// In pixels: a separator's own width, else that of the bar's buttons, with the arrow's.
+    /// In pixels: a separator's own width, else that of the bar's buttons, or what the caption
+    /// takes when the bar shows captions and that is more, with the arrow's.
     int Width() const;
     void SetWidth(int value); ///< of a separator; at least 0
 
@@ -79,6 +80,7 @@ public:
     const TClassRecord& ClassType() const override { return ClassRecord; }
 
     static constexpr int DefaultButtonWidth = 23, DefaultButtonHeight = 22, ArrowWidth = 13;
+    static constexpr int CaptionMargin = 8; ///< on each side
 
     explicit TToolBar(TComponent* owner = nullptr) : TControl(owner) {}
 
@@ -92,6 +94,9 @@ public:
     void SetButtonWidth(int value);
     bool ShowCaptions() const { return FShowCaptions; }
     void SetShowCaptions(bool value);
+    /// Whether controls that find no room begin another row; the bar is as high as its rows then.
+    bool Wrapable() const { return FWrapable; }
+    void SetWrapable(bool value);
 
     TWeak<TImageList> Images; ///< the pictures of the buttons
 
@@ -102,6 +107,7 @@ private:
     int FButtonHeight = DefaultButtonHeight;
     int FButtonWidth = DefaultButtonWidth;
     bool FShowCaptions = false;
+    bool FWrapable = false;
 };
 
 } // namespace tarn
