@@ -253,7 +253,7 @@ TEST_F(ExtKinds, ValuesComeBackAsTheyWere) {
 }
 
 /// What a user does to a control; a number for what is clicked.
-void Use(TControl& control, std::string_view input) {
+void UseControl(TControl& control, std::string_view input) {
     if (auto* const list = ClassCast<TCheckListBox>(&control)) list->ClickCheck(StrToInt(input));
     if (auto* const box = ClassCast<TComboBox>(&control)) box->Choose(StrToInt(input));
     if (auto* const edit = ClassCast<TColorEdit>(&control)) edit->TypeText(input);
@@ -289,7 +289,7 @@ TEST_F(ExtKinds, TheUserChangesValues) {
         all.Spin = 1, all.Moment = 0.25;
         Show(all);
         const std::string before = Text(all);
-        Use(*Row(c.Prop).EControl, c.Input);
+        UseControl(*Row(c.Prop).EControl, c.Input);
         EXPECT_TRUE(Row(c.Prop).Modified) << c.Prop;
         EXPECT_EQ(Text(all), before) << c.Prop; // until it is written
         const std::string error = ErrorOf([&] { Ed->GetControlsData(); });

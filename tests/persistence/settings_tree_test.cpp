@@ -116,22 +116,23 @@ TEST(SettingsTree, BlocksAreFoundByTheirNames) {
 }
 
 /// Holds something that only one can have.
-class TOnly : public TSpcObject {
+class TOnlyChild : public TSpcObject {
 public:
     static const TClassRecord ClassRecord;
     const TClassRecord& ClassType() const override { return ClassRecord; }
-    TOnly() { EXPECT_EQ(++Alive, 1); }
-    ~TOnly() override { --Alive; }
+    TOnlyChild() { EXPECT_EQ(++Alive, 1); }
+    ~TOnlyChild() override { --Alive; }
     static inline int Alive = 0;
 };
-const TClassRecord TOnly::ClassRecord{"TOnly", &TSpcObject::ClassRecord, CreateObject<TOnly>};
+const TClassRecord TOnlyChild::ClassRecord{"TOnlyChild", &TSpcObject::ClassRecord,
+                                           CreateObject<TOnlyChild>};
 
 TEST(SettingsTree, IsMadeAfresh) {
-    std::unique_ptr<TSpcObject> tree = std::make_unique<TOnly>();
+    std::unique_ptr<TSpcObject> tree = std::make_unique<TOnlyChild>();
     const TWeak<TSpcObject> old(tree.get());
     RecreateSpc(tree);
     EXPECT_EQ(old.Get(), nullptr);
-    EXPECT_EQ(tree->ClassName(), "TOnly");
+    EXPECT_EQ(tree->ClassName(), "TOnlyChild");
 
     struct TAbstract : TSpcObject {
         const TClassRecord& ClassType() const override {

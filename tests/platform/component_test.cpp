@@ -11,13 +11,13 @@ namespace tarn {
 namespace {
 
 /// A component that writes its name down when it goes.
-class TPart : public TComponent {
+class TNamedPart : public TComponent {
 public:
-    TPart(TComponent* owner, std::string_view name, std::string* log = nullptr)
+    TNamedPart(TComponent* owner, std::string_view name, std::string* log = nullptr)
         : TComponent(owner), FLog(log) {
         SetName(name);
     }
-    ~TPart() override {
+    ~TNamedPart() override {
         if (FLog) *FLog += Name();
     }
 
@@ -51,7 +51,7 @@ TEST(Component, NamesAreIdentifiers) {
 
 TEST(Component, NamesStandOncePerOwner) {
     TComponent owner;
-    TPart a(&owner, "Edit"), b(&owner, ""), c(&owner, "");
+    TNamedPart a(&owner, "Edit"), b(&owner, ""), c(&owner, "");
     EXPECT_EQ(MessageOf([&] { b.SetName("eDIT"); }), "a component named eDIT already exists");
     EXPECT_EQ(b.Name(), "");
     a.SetName("EDIT"); // its own name in another case
@@ -59,7 +59,7 @@ TEST(Component, NamesStandOncePerOwner) {
     EXPECT_EQ(owner.FindComponent("Edi"), nullptr);
     EXPECT_EQ(owner.FindComponent(""), nullptr);
 
-    TPart stranger(nullptr, "Edit");
+    TNamedPart stranger(nullptr, "Edit");
     EXPECT_EQ(MessageOf([&] { owner.InsertComponent(&stranger); }),
               "a component named Edit already exists");
     EXPECT_EQ(stranger.Owner(), nullptr);
@@ -100,12 +100,12 @@ TEST(Component, OwnerFreesNewestFirst) {
     std::string log;
     {
         TComponent owner;
-        new TPart(&owner, "a", &log);
-        auto* const b = new TPart(&owner, "b", &log);
-        new TPart(b, "x", &log);
-        new TPart(b, "y", &log);
-        auto* const c = new TPart(&owner, "c", &log);
-        new TPart(&owner, "d", &log);
+        new TNamedPart(&owner, "a", &log);
+        auto* const b = new TNamedPart(&owner, "b", &log);
+        new TNamedPart(b, "x", &log);
+        new TNamedPart(b, "y", &log);
+        auto* const c = new TNamedPart(&owner, "c", &log);
+        new TNamedPart(&owner, "d", &log);
         delete c;
         EXPECT_EQ(log, "c");
         EXPECT_EQ(owner.ComponentCount(), 3);
@@ -120,7 +120,7 @@ TEST(Component, ChangesItsOwner) {
     std::string log;
     auto first = std::make_unique<TComponent>();
     auto second = std::make_unique<TComponent>();
-    auto* const part = new TPart(first.get(), "p", &log);
+    auto* const part = new TNamedPart(first.get(), "p", &log);
     second->InsertComponent(part);
     EXPECT_EQ(part->Owner(), second.get());
     EXPECT_EQ(first->ComponentCount(), 0);

@@ -45,7 +45,7 @@ protected:
 
 /// The text with "|" at both ends of the selection, or one at the caret; breaks as "/", bytes above
 /// ASCII as they are.
-std::string Shown(const TCustomEdit& edit) {
+std::string ShownText(const TCustomEdit& edit) {
     std::string text = edit.Text();
     const auto start = static_cast<std::size_t>(edit.SelStart());
     if (edit.SelLength() > 0) text.insert(start + edit.SelText().size(), "|");
@@ -122,7 +122,7 @@ TEST_F(EditMessages, KeysEditAndUndo) {
     };
     for (const auto& step : steps) {
         EXPECT_TRUE(step.Do()) << step.What;
-        EXPECT_EQ(Shown(step.Edit), step.Shown) << step.What;
+        EXPECT_EQ(ShownText(step.Edit), step.Shown) << step.What;
         EXPECT_EQ(TakeChanges(), step.Changes) << step.What;
     }
 }
@@ -149,7 +149,7 @@ TEST_F(EditMessages, MaxLength) {
         Clipboard().SetAsText(c.Pasted);
         const int beeps = OS.Beeps();
         EXPECT_TRUE(memo.PasteFromClipboard());
-        EXPECT_EQ(Shown(memo), c.Shown);
+        EXPECT_EQ(ShownText(memo), c.Shown);
         EXPECT_EQ(OS.Beeps() - beeps, c.Beeps);
     }
     TEdit& edit = Add<TEdit>(); // what is selected makes room

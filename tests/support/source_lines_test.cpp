@@ -13,7 +13,7 @@ namespace {
 
 using TLines = std::vector<std::string>;
 
-TLines LinesOf(const TStrings& strings) {
+TLines SourceLinesOf(const TStrings& strings) {
     TLines lines;
     for (int i = 0; i < strings.Count(); ++i) lines.push_back(strings.Get(i));
     return lines;
@@ -52,7 +52,7 @@ TEST(SourceLines, DeleteBlankLines) {
         int index = start;
         EXPECT_EQ(DeleteBlankLines(list, index), found) << start;
         EXPECT_EQ(index, start);
-        EXPECT_EQ(LinesOf(list), after) << start;
+        EXPECT_EQ(SourceLinesOf(list), after) << start;
     }
 }
 
@@ -76,7 +76,7 @@ TEST(SourceLines, LongBlankRunsGoWithOneMoveOfTheRest) {
     sorted.SetSorted(true);
     index = 0;
     EXPECT_TRUE(DeleteBlankLines(sorted, index));
-    EXPECT_EQ(LinesOf(sorted), TLines{"b"});
+    EXPECT_EQ(SourceLinesOf(sorted), TLines{"b"});
 }
 
 TEST(SourceLines, FindLine) {
@@ -100,7 +100,7 @@ TEST(SourceLines, FindLine) {
         EXPECT_EQ(FindLine(list, c, index, pos), found) << start;
         EXPECT_EQ(index, after) << start;
         EXPECT_EQ(pos, expectedPos) << start;
-        EXPECT_EQ(LinesOf(list), lines) << start;
+        EXPECT_EQ(SourceLinesOf(list), lines) << start;
     }
 }
 
@@ -113,7 +113,7 @@ TEST(SourceLines, FindLineEx) {
     EXPECT_EQ(pos, 8);
     index = 2;
     EXPECT_FALSE(FindLineEx(list, "(*", index, pos));
-    EXPECT_EQ(LinesOf(list), (TLines{"(*", "a *) b *)", "*)"}));
+    EXPECT_EQ(SourceLinesOf(list), (TLines{"(*", "a *) b *)", "*)"}));
 }
 
 TEST(SourceLines, FindWordInLines) {

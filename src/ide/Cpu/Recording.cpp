@@ -10,7 +10,7 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t MaxFileSize = 4 << 20;
-constexpr std::size_t MaxTextSize = 255; ///< of a label, a source line or an instruction
+constexpr std::size_t MaxStoredText = 255; ///< of a label, a source line or an instruction
 
 /// The state that a recording describes: its code is what is written there.
 class TRecordedState : public TMachineState {
@@ -71,8 +71,8 @@ std::uint32_t TakeAddress(std::string_view& text) {
 std::string ReadText(std::string_view text) {
     text = Trim(text);
     if (text.empty()) throw ECpuError("the text is missing");
-    if (text.size() > MaxTextSize)
-        throw ECpuError(Format("a text of more than %d bytes", {MaxTextSize}));
+    if (text.size() > MaxStoredText)
+        throw ECpuError(Format("a text of more than %d bytes", {MaxStoredText}));
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
     if (std::any_of(text.begin(), text.end(), isControl))
         throw ECpuError("a control character in a text");

@@ -21,11 +21,10 @@ namespace tarn {
 namespace {
 
 constexpr std::string_view FormKeywords[] = {"object", "inherited", "inline"};
-constexpr std::string_view Blanks = " \t\r\n";
 
 bool BeginsLikeText(std::string_view bytes) {
     if (bytes.starts_with(Utf8Mark)) bytes.remove_prefix(Utf8Mark.size());
-    bytes.remove_prefix(std::min(bytes.find_first_not_of(Blanks), bytes.size()));
+    bytes.remove_prefix(std::min(bytes.find_first_not_of(" \t\r\n"), bytes.size()));
     return std::any_of(std::begin(FormKeywords), std::end(FormKeywords), [&](auto keyword) {
         return SameText(bytes.substr(0, keyword.size()), keyword);
     });
