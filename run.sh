@@ -15,7 +15,7 @@ if [ "${1:-}" = workbench ]; then
     need qt6-base-dev libqscintilla2-qt6-dev
     build run release -DTARN_TESTS=OFF -- --target tarn-workbench
     cd "$start"
-    exec "$OLDPWD/build/run/apps/workbench/tarn-workbench" "$@"
+    exec "$OLDPWD/build/run/apps/tarn/tarn-workbench" "$@"
 fi
 build run release -DTARN_TESTS=OFF -- --target tarn
 

@@ -64,9 +64,13 @@ TTreeNode& FindNode(TTreeNode* root, std::string_view path) {
         bar = path.find('|');
         const std::string_view caption = Trim(path.substr(0, bar));
         const std::vector<TTreeNode*> nodes = NextNodes(node, root);
-        const auto found = std::find_if(nodes.begin(), nodes.end(), [&](const TTreeNode* next) {
+        auto found = std::find_if(nodes.begin(), nodes.end(), [&](const TTreeNode* next) {
             return AnsiSameText(next->Text(), caption);
         });
+        if (found == nodes.end() && caption.starts_with('#')) {
+            const int number = StrToIntDef(caption.substr(1), 0) - (node ? 1 : 0);
+            if (number >= 0 && number < std::ssize(nodes)) found = nodes.begin() + number;
+        }
         if (found == nodes.end()) {
             std::string names;
             for (const TTreeNode* const next : nodes) Append(names, next->Text());

@@ -33,6 +33,13 @@ using TArgs = std::vector<std::string>;
     throw EScriptError(ExitUsage, text);
 }
 
+/// The menu item of that name, see TSession::FindMenuItem.
+TMenuItem& ItemOf(TSession& session, const std::string& name) {
+    TMenuItem* const item = session.FindMenuItem(name);
+    if (!item) Misuse("there is no menu item '" + name + "'");
+    return *item;
+}
+
 /// Raises when one of the words behind the first `from` is none of those known.
 void CheckWords(const TArgs& args, std::size_t from,
                 std::initializer_list<std::string_view> known) {
@@ -224,9 +231,12 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
          if (!s.FSession.PackRuns()) Refuse("the pack is not started");
          s.FSession.StopPack();
      }},
-    {"picture", "NAME", "save a picture of the windows, where there are any", 1, 1,
+    {"picture", "NAME [ITEM]",
+     "save a picture of the windows, where there are any; with the menu of the item open", 1, 2,
      [](TScript& s, const TStatement& statement) {
-         if (s.OnPicture) s.OnPicture(statement.Args[0]);
+         TMenuItem* item = nullptr;
+         if (statement.Args.size() > 1) item = &ItemOf(s.FSession, statement.Args[1]);
+         if (s.OnPicture) s.OnPicture(statement.Args[0], item);
      }},
     {"pump", "", "handle the posted messages, as the IDE does when it is idle", 0, 0,
      [](TScript& s, const TStatement&) { s.FSession.Ide().PumpMessages(); }},
@@ -322,9 +332,8 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
      "click a menu item: the identifier of a command, a component name, or captions with | between",
      1, 1,
      [](TScript& s, const TStatement& st) {
-         TMenuItem* const item = s.FSession.FindMenuItem(st.Args[0]);
-         if (!item) Misuse("there is no menu item '" + st.Args[0] + "'");
-         if (!s.FSession.Ide().ClickMenuItem(*item)) Refuse("'" + st.Args[0] + "' is disabled");
+         TMenuItem& item = ItemOf(s.FSession, st.Args[0]);
+         if (!s.FSession.Ide().ClickMenuItem(item)) Refuse("'" + st.Args[0] + "' is disabled");
      }},
     {"undo", "", "take the last step back", 0, 0,
      [](TScript& s, const TStatement&) {
@@ -379,8 +388,8 @@ const TScript::TVerb TScript::TTables::Verbs[] = {
     {"input", "TEXT", "queue the text that the user enters next", 1, 1,
      [](TScript& s, const TStatement& st) { s.FSession.OS().QueueInput(st.Args[0]); }},
     {"node", "CAPTIONS",
-     "click a node of the settings editor by its captions with | between; that of the root may be "
-     "left out",
+     "click a node of the settings editor by its captions with | between, or #N for the Nth of its "
+     "level; that of the root may be left out",
      1, 1, [](TScript& s, const TStatement& st) { ClickSettingsNode(s.FSession, st.Args[0]); }},
     {"row", "N | NAME ACTION [ARG]",
      "select a row of the grid in the active form; or do something to the row of that caption or "

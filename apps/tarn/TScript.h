@@ -29,8 +29,9 @@ public:
     TSession& Session() { return FSession; }
     /// Called after each statement, for a front end that shows what it has done.
     std::function<void()> OnStatement;
-    /// Takes a picture of what is on the screen under that name; empty: nothing is on a screen.
-    std::function<void(const std::string& name)> OnPicture;
+    /// Takes a picture of what is on the screen under that name, with the menu that holds the item
+    /// open unless it is null; empty: nothing is on a screen.
+    std::function<void(const std::string& name, TMenuItem* item)> OnPicture;
 
     /// Plays the text to its end. Raises EScriptError "LINE: text" at the first statement that
     /// fails.

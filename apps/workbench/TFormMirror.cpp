@@ -2,6 +2,8 @@
 
 #include "TFrontEnd.h"
 
+#include <QScreen>
+
 namespace tarn {
 
 TFormMirror::TFormMirror(TFrontEnd& frontEnd, TForm& form)
@@ -12,12 +14,29 @@ TFormMirror::TFormMirror(TFrontEnd& frontEnd, TForm& form, QWidget* window)
     window->installEventFilter(this);
 }
 
+namespace {
+
+/// The place of a window, or the middle of the screen when the screen it stood on is gone.
+QPoint OnScreen(const QWidget& window, const TRect& at) {
+    constexpr int reach = 24; // pixels of a window that can be taken hold of
+    const QRect title(at.Left, at.Top, at.Width, reach);
+    for (const QScreen* const screen : QGuiApplication::screens()) {
+        const QRect seen = screen->availableGeometry() & title;
+        if (seen.width() >= reach && seen.height() >= reach / 2) return {at.Left, at.Top};
+    }
+    QRect place(0, 0, at.Width, at.Height);
+    place.moveCenter(window.screen()->availableGeometry().center());
+    return {std::max(place.x(), 0), std::max(place.y(), 0)};
+}
+
+} // namespace
+
 /// The window stands where the form says when it appears, and the form where the user moves it.
 void TFormMirror::SyncPlace() {
     const TRect& at = Self().BoundsRect();
     if (QRect(View().pos(), View().size()) != QRect(at.Left, at.Top, at.Width, at.Height)) {
         View().resize(std::max(at.Width, 1), std::max(at.Height, 1));
-        if (FPlaced || at.Left != 0 || at.Top != 0) View().move(at.Left, at.Top);
+        if (FPlaced || at.Left != 0 || at.Top != 0) View().move(OnScreen(View(), at));
     }
     FPlaced = true;
     const bool onTop = Self().FormStyle() == fsStayOnTop;
@@ -78,6 +97,7 @@ void TMainFormMirror::SyncState() {
 
 void TMainFormMirror::SyncMenu() {
     QMenuBar& bar = *Window().menuBar();
+    for (QAction* const action : bar.actions()) action->menu()->deleteLater();
     bar.clear();
     TMenuItem& items = *static_cast<TIdeMainForm&>(Self()).MainMenu().Items();
     for (int i = 0; i < items.Count(); ++i) {
@@ -90,6 +110,32 @@ void TMainFormMirror::SyncMenu() {
             if (weak) FrontEnd().FillMenu(*menu, *weak);
         });
     }
+}
+
+/// The place of an item among those of its parent that are seen.
+int ShownIndex(TMenuItem& item) {
+    int index = 0;
+    for (int i = 0; i < item.MenuIndex(); ++i) index += item.Parent()->Items(i)->Visible();
+    return index;
+}
+
+QMenu* TMainFormMirror::OpenMenu(TMenuItem& item) {
+    if (!item.Parent()) return nullptr;
+    QMenu* const above = OpenMenu(*item.Parent());
+    QWidget* const holder = above ? static_cast<QWidget*>(above) : Window().menuBar();
+    QAction* const action = holder->actions().value(ShownIndex(item));
+    if (!action || !action->menu()) return above;
+    QPoint place;
+    if (above) {
+        above->setActiveAction(action);
+        place = above->mapToGlobal(above->actionGeometry(action).topRight());
+    } else {
+        QMenuBar& bar = *Window().menuBar();
+        place = bar.mapToGlobal(bar.actionGeometry(action).bottomLeft());
+    }
+    action->menu()->popup(place);
+    action->menu()->move(place); // a picture has room where the screen ends
+    return action->menu();
 }
 
 void TMainFormMirror::UserCloses() {

@@ -34,6 +34,9 @@ public:
     QMainWindow& Window() const { return static_cast<QMainWindow&>(*Widget()); }
     /// Shows the menu bar as it is now.
     void SyncMenu();
+    /// Opens the menus down to that of the item, or the one that holds an item without a menu; the
+    /// last one that was opened, which closes those above it.
+    QMenu* OpenMenu(TMenuItem& item);
 
 protected:
     void SyncPlace() override {}

@@ -194,6 +194,8 @@ void TFrontEnd::MenuChanged(TMenu&) {
 }
 
 void TFrontEnd::FillMenu(QMenu& menu, TMenuItem& items) {
+    for (QAction* const action : menu.actions())
+        if (action->menu()) action->menu()->deleteLater();
     menu.clear();
     for (int i = 0; i < items.Count(); ++i) {
         TMenuItem& item = *items.Items(i);

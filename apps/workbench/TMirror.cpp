@@ -18,6 +18,20 @@ TMirror::~TMirror() {
     }
 }
 
+namespace {
+
+/// What a screen reader says where no label tells: the component's name, "Unit list" of UnitList.
+QString SpokenName(const TControl& control) {
+    QString name;
+    for (const QChar c : FromText(control.Name())) {
+        const bool begins = c.isUpper() && !name.isEmpty() && name.back().isLower();
+        name += begins ? QString(" ") + c.toLower() : QString(c);
+    }
+    return name;
+}
+
+} // namespace
+
 void TMirror::SyncPlace() {
     TControl* const parent = FControl.Parent();
     TMirror* const above = parent ? FFrontEnd.MirrorOf(*parent) : nullptr;
@@ -36,6 +50,7 @@ void TMirror::Sync() {
     if (FControl.HasFont()) FWidget->setFont(FromFont(*FControl.FontObject()));
     FWidget->setToolTip(FromText(FControl.Hint()));
     SyncState();
+    if (FWidget->accessibleName().isEmpty()) FWidget->setAccessibleName(SpokenName(FControl));
     if (FControl.Focused() && !FWidget->hasFocus() && FWidget->isVisible()) FWidget->setFocus();
 }
 

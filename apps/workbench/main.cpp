@@ -1,11 +1,12 @@
 // The desktop program: the pack in real windows.
 
+#include "Pictures.h"
 #include "TQtDialogs.h"
 #include "TScript.h"
 #include "TWorkbench.h"
+#include "Theme.h"
 
 #include <QApplication>
-#include <QPixmap>
 
 #include <CLI/CLI.hpp>
 
@@ -17,17 +18,6 @@ namespace tarn {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Saves the visible windows: NAME.png, or NAME-1.png and so on when there are several.
-void TakePictures(const fs::path& folder, const std::string& name) {
-    QList<QWidget*> windows;
-    for (QWidget* const widget : QApplication::topLevelWidgets())
-        if (widget->isVisible() && widget->width() > 1) windows << widget;
-    for (qsizetype i = 0; i < windows.size(); ++i) {
-        const std::string number = windows.size() > 1 ? "-" + std::to_string(i + 1) : "";
-        windows[i]->grab().save(FromText((folder / (name + number + ".png")).string()));
-    }
-}
 
 int PlayScript(const std::string& file, const std::string& pictures) {
     std::ifstream stream(file, std::ios::binary);
@@ -46,11 +36,13 @@ int PlayScript(const std::string& file, const std::string& pictures) {
         frontEnd.Flush();
         QApplication::processEvents();
     };
-    if (!pictures.empty())
-        script.OnPicture = [&](const std::string& name) {
+    if (!pictures.empty()) {
+        InstallTextMeasure(&frontEnd); // texts are to fit as they do for a user
+        script.OnPicture = [&](const std::string& name, TMenuItem* item) {
             script.OnStatement();
-            TakePictures(pictures, name);
+            SavePicture(frontEnd, pictures, name, item);
         };
+    }
     try {
         script.Play(text);
     } catch (const EScriptError& error) {
@@ -64,11 +56,16 @@ int Main(int argc, char** argv) {
     CLI::App options("The TarnExperts pack in an IDE with windows.", "tarn-workbench");
     std::vector<std::string> files;
     std::string script, pictures, packageDir;
+    TTheme theme = thSystem;
     options.add_option("FILE", files, "Files, projects and groups to open");
     options.add_option("--script", script, "Play a script of IDE actions, and end");
     options.add_option("--screenshots", pictures, "Folder for the pictures that a script takes");
     options.add_option("--package-dir", packageDir, "Folder of the pack's settings");
+    options.add_option("--theme", theme, "Colours of the windows; system: those of the desktop")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, TTheme>{
+            {"system", thSystem}, {"light", thLight}, {"dark", thDark}}));
     CLI11_PARSE(options, argc, argv);
+    ApplyTheme(theme);
     if (!script.empty()) return PlayScript(script, pictures);
 
     TQtDialogs dialogs;

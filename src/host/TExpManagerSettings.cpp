@@ -14,8 +14,14 @@ namespace tarn {
 constinit const TClassRecord TExpertEditor::ClassRecord{
     "TExpertEditor", &TSpcEditorPro::ClassRecord, CreateObject<TExpertEditor>};
 
+/// Where the window stands as long as no place is stored. The longest label of all languages leaves
+/// room for the values.
+constexpr TRect EditorPlace = {0, 0, 800, 500}; // pixels
+
 void TExpertEditor::MakeForm() {
+    const bool isNew = !Form();
     TSpcEditorPro::MakeForm();
+    if (isNew) Form()->SetBoundsRect(EditorPlace);
     Form()->SavePlacementAction().SetShortCut(
         TextToShortCut(Manager->Data()->EditorFormData()->SaveSettingShortCut));
 }

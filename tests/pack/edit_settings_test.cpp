@@ -246,7 +246,7 @@ TEST_F(TEditSettings, TheWindowsStateIsKeptAsTheSettingsSay) {
     data.AutoSaveSetting = true; // looked at when it opens
     Edit(widen(710));
     EXPECT_EQ(data.Setting()->GetTextStr(),
-              "Left=0\r\nTop=0\r\nWidth=710\r\nHeight=420\r\nState=0\r\n"
+              "Left=0\r\nTop=0\r\nWidth=710\r\nHeight=500\r\nState=0\r\n"
               "TreeWidth=200\r\nLabelAreaWidth=100\r\n");
     data.AutoSaveSetting = false;
     data.SaveSettingShortCut = "Ctrl+K";
@@ -258,7 +258,7 @@ TEST_F(TEditSettings, TheWindowsStateIsKeptAsTheSettingsSay) {
     });
     EXPECT_EQ(data.Setting()->Value("Width"), "720");
     data.Setting()->SetTextStr("Width=many\r\nHeight=430\r\njunk\r\n");
-    Edit([](TSpcForm& form) { EXPECT_EQ(form.BoundsRect(), (TRect{0, 0, 620, 430})); });
+    Edit([](TSpcForm& form) { EXPECT_EQ(form.BoundsRect(), (TRect{0, 0, 800, 430})); });
     // The window closes after the file was saved, which is then loaded.
     OS.QueueAnswer(IDYES);
     Edit([](TSpcForm& form) {
