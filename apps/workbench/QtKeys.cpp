@@ -58,7 +58,8 @@ bool IsTyped(const QKeyEvent& event) {
     // Both together are the key that gives third characters on some keyboards.
     const bool ctrl = event.modifiers().testFlag(Qt::ControlModifier);
     const bool alt = event.modifiers().testFlag(Qt::AltModifier);
-    return !event.text().isEmpty() && event.text().front().isPrint() && ctrl == alt;
+    const QList<uint> characters = event.text().toUcs4(); // of which one may be two QChars
+    return !characters.isEmpty() && QChar::isPrint(characters.front()) && ctrl == alt;
 }
 
 } // namespace tarn

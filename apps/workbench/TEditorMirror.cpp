@@ -1,17 +1,68 @@
 #include "TEditorMirror.h"
 
+#include "QtKeys.h"
+#include "Source/EditorKeys.h"
 #include "Source/TSourceBuffer.h"
 #include "TFrontEnd.h"
 
+#include <QAccessible>
 #include <QFontDatabase>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <Qsci/qscilexercpp.h>
 #include <Qsci/qscilexerpascal.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 
 namespace tarn {
+namespace {
+
+// --- What two texts have in common ------------------------------------------------------------
+
+/// A text in two pieces, of which either may be empty.
+using TPieces = std::array<std::string_view, 2>;
+
+/// How many bytes the two begin with alike, or with `front` unset end with alike.
+template <bool front> std::size_t Common(std::string_view a, std::string_view b) {
+    // Whole blocks first: memcmp is many times faster than a loop over bytes.
+    constexpr std::size_t block = 4096;
+    const std::size_t most = std::min(a.size(), b.size());
+    const auto from = [](std::string_view text, std::size_t at, std::size_t size) {
+        return text.data() + (front ? at : text.size() - at - size);
+    };
+    std::size_t at = 0;
+    while (most - at >= block && std::memcmp(from(a, at, block), from(b, at, block), block) == 0)
+        at += block;
+    while (at < most && *from(a, at, 1) == *from(b, at, 1)) ++at;
+    return at;
+}
+
+template <bool front> std::size_t Common(TPieces a, TPieces b) {
+    if (!front) {
+        std::swap(a[0], a[1]);
+        std::swap(b[0], b[1]);
+    }
+    std::size_t common = 0;
+    for (std::size_t i = 0, j = 0; i < a.size() && j < b.size();) {
+        const std::size_t most = std::min(a[i].size(), b[j].size());
+        const std::size_t same = Common<front>(a[i], b[j]);
+        common += same;
+        if (same < most) break;
+        for (std::string_view* const piece : {&a[i], &b[j]})
+            front ? piece->remove_prefix(same) : piece->remove_suffix(same);
+        if (a[i].empty())
+            ++i;
+        else if (b[j].empty())
+            ++j;
+    }
+    return common;
+}
+
+} // namespace
 
 std::unique_ptr<TMirror> TEditorMirror::For(TFrontEnd& frontEnd, TControl& control) {
     if (&control != &frontEnd.Ide().EditWindow().Editor()) return nullptr;
@@ -19,30 +70,27 @@ std::unique_ptr<TMirror> TEditorMirror::For(TFrontEnd& frontEnd, TControl& contr
 }
 
 TEditorMirror::TEditorMirror(TFrontEnd& frontEnd, TControl& control)
-    : TMirror(frontEnd, control, new QsciScintilla) {
+    : TMirror(frontEnd, control, new TSourceEdit(*this)) {
     QsciScintilla& view = View();
-    view.setUtf8(true);
     view.setMarginType(0, QsciScintilla::NumberMargin);
-    view.setMarginWidth(0, "00000");
     view.setMarginWidth(1, 0);
-    view.setTabWidth(8);
     view.setIndentationsUseTabs(false);
     view.setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     view.SendScintilla(QsciScintilla::SCI_SETMULTIPLESELECTION, 0);
     view.SendScintilla(QsciScintilla::SCI_SETVIRTUALSPACEOPTIONS,
                        QsciScintilla::SCVS_RECTANGULARSELECTION |
                            QsciScintilla::SCVS_USERACCESSIBLE);
+    // Any row of the text may be the top one.
+    view.SendScintilla(QsciScintilla::SCI_SETENDATLASTLINE, 0);
     view.setAccessibleName("Source");
-    view.installEventFilter(this);
     connect(&view, &QsciScintillaBase::SCN_MODIFIED, this,
             [this](int position, int modification, const char* text, int length) {
                 TakeChange(position, modification, text, length);
             });
-    connect(&view, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int) { TakeSelection(); });
-    connect(&view, &QsciScintilla::linesChanged, this, [this] {
-        const int digits = QString::number(View().lines()).size();
-        View().setMarginWidth(0, QString(std::max(digits, 3) + 1, '0'));
-    });
+    // What no event tells: selecting goes on while the mouse rests outside, scroll bars move.
+    connect(&view, &QsciScintillaBase::SCN_UPDATEUI, this, [this](int) { Take(); });
+    for (QScrollBar* const bar : {view.verticalScrollBar(), view.horizontalScrollBar()})
+        connect(bar, &QScrollBar::valueChanged, this, [this] { Take(); });
 }
 
 TEditorMirror::~TEditorMirror() = default;
@@ -58,28 +106,52 @@ void TEditorMirror::SyncPlace() {
 
 // --- From the buffer to the widget -------------------------------------------------------------
 
+bool TEditorMirror::Agrees() const {
+    TSourceBuffer* const buffer = FrontEnd().Ide().CurrentBuffer();
+    return buffer && FBuffer == buffer && FDocument->Revision == buffer->Text().Revision() &&
+           FDocument->State == buffer->View()->State();
+}
+
 void TEditorMirror::Follow() {
+    if (FFollowing) return;
+    if (Agrees()) Take();
     TSourceBuffer* const buffer = FrontEnd().Ide().CurrentBuffer();
     const TScopedValue following(FFollowing, true);
-    if (buffer != FBuffer) ShowBuffer(buffer);
+    const bool another = buffer ? !FDocument || FBuffer != buffer : FDocument != nullptr;
+    if (another) ShowBuffer(buffer);
     Widget()->setEnabled(buffer != nullptr);
     if (!buffer) return;
-    TDocument& document = FDocuments[buffer];
-    if (!document.Filled || document.Revision != buffer->Text().Revision())
-        ShowText(*buffer, document);
-    ShowSelection(*buffer);
+    TSourceView& source = *buffer->View();
+    // A script sees the same rows whatever the size of the window.
+    if (View().isVisible() && !FrontEnd().Watched())
+        source.SetHeight(static_cast<int>(Ask(QsciScintilla::SCI_LINESONSCREEN)));
+    const bool moved = ShowText(*buffer, *FDocument) || FDocument->State != source.State();
+    if (another || moved) {
+        ShowMargin();
+        ShowSelection(*buffer);
+    }
+    ShowPlace(source, *FDocument, moved, another);
+    FDocument->State = source.State();
+    FSelection = Selection();
 }
 
 void TEditorMirror::ShowBuffer(TSourceBuffer* buffer) {
-    FBuffer = buffer;
     // Documents of buffers that are closed go.
-    const auto& loaded = FrontEnd().Ide().EditWindow().LoadedBuffers();
-    std::erase_if(FDocuments, [&](const auto& entry) {
-        return std::find(loaded.begin(), loaded.end(), entry.first) == loaded.end();
-    });
-    View().setDocument(buffer ? FDocuments[buffer].Document : QsciDocument());
+    std::erase_if(FDocuments, [](const auto& entry) { return !entry.second.Buffer; });
+    FBuffer = buffer;
+    FDocument = nullptr;
+    if (!buffer) return View().setDocument(QsciDocument());
+    FDocument = &FDocuments[buffer];
+    FDocument->Buffer = buffer;
+    View().setDocument(FDocument->Document);
+    // These belong to the document.
+    constexpr int modes[] = {QsciScintilla::SC_EOL_CRLF, QsciScintilla::SC_EOL_LF,
+                             QsciScintilla::SC_EOL_CR};
+    View().setUtf8(true);
+    View().setTabWidth(TabSize);
     View().SendScintilla(QsciScintilla::SCI_SETUNDOCOLLECTION, 0ul);
-    if (buffer) ChooseLexer(*buffer);
+    View().SendScintilla(QsciScintilla::SCI_SETEOLMODE, modes[buffer->Text().LineBreak()]);
+    ChooseLexer(*buffer);
 }
 
 void TEditorMirror::ChooseLexer(const TSourceBuffer& buffer) {
@@ -111,126 +183,256 @@ void TEditorMirror::ChooseLexer(const TSourceBuffer& buffer) {
     View().setMarginsForegroundColor(palette.windowText().color());
 }
 
-/// Replaces the bytes between what both texts begin and end with.
-void TEditorMirror::ShowText(TSourceBuffer& buffer, TDocument& document) {
-    const std::array<std::string_view, 2> chunks = buffer.Text().Chunks();
-    const std::size_t size = chunks[0].size() + chunks[1].size();
-    const auto at = [&](std::size_t i) {
-        return i < chunks[0].size() ? chunks[0][i] : chunks[1][i - chunks[0].size()];
+/// Replaces the bytes between what both texts begin and end with; false when the text is shown.
+bool TEditorMirror::ShowText(TSourceBuffer& buffer, TDocument& document) {
+    if (document.Revision == buffer.Text().Revision()) return false;
+    const auto size = static_cast<std::size_t>(Ask(QsciScintilla::SCI_GETLENGTH));
+    const auto gap = static_cast<std::size_t>(Ask(QsciScintilla::SCI_GETGAPPOSITION));
+    const auto bytes = [&](std::size_t from, std::size_t to) {
+        // A pointer that comes as a number: the call that gives pointers would move the gap.
+        const auto* const data = reinterpret_cast<const char*>(View().SendScintilla(
+            QsciScintilla::SCI_GETRANGEPOINTER, from, static_cast<long>(to - from)));
+        return std::string_view(data, to - from);
     };
-    const auto shownSize =
-        static_cast<std::size_t>(View().SendScintilla(QsciScintilla::SCI_GETLENGTH));
-    const auto* const shown = static_cast<const char*>(
-        View().SendScintillaPtrResult(QsciScintilla::SCI_GETCHARACTERPOINTER));
-    const std::size_t most = std::min(size, shownSize);
-    std::size_t front = 0;
-    while (front < most && shown[front] == at(front)) ++front;
-    std::size_t back = 0;
-    while (back < most - front && shown[shownSize - 1 - back] == at(size - 1 - back)) ++back;
-    const std::string middle = buffer.Text().Text(front, size - back);
-    View().SendScintilla(QsciScintilla::SCI_SETTARGETRANGE, front,
-                         static_cast<long>(shownSize - back));
+    const TPieces shown = {bytes(0, gap), bytes(gap, size)};
+    const TPieces text = buffer.Text().Chunks();
+    const std::size_t front = Common<true>(shown, text);
+    const std::size_t most = std::min(size, buffer.Text().Size()) - front;
+    const std::size_t back = std::min(Common<false>(shown, text), most);
+    const std::string middle = buffer.Text().Text(front, buffer.Text().Size() - back);
+    // Only screen readers are told of it, by where it is in characters: all before it are counted.
+    const long told = Ask(QsciScintilla::SCI_GETMODEVENTMASK);
+    if (!QAccessible::isActive()) Tell(QsciScintilla::SCI_SETMODEVENTMASK, 0);
+    View().SendScintilla(QsciScintilla::SCI_SETTARGETRANGE, front, static_cast<long>(size - back));
     View().SendScintilla(QsciScintilla::SCI_REPLACETARGET, middle.size(), middle.data());
+    Tell(QsciScintilla::SCI_SETMODEVENTMASK, told);
     document.Revision = buffer.Text().Revision();
-    document.Filled = true;
+    return true;
 }
 
-void TEditorMirror::ShowSelection(TSourceBuffer& buffer) {
+/// Makes the margin as wide as the number of the last line.
+void TEditorMirror::ShowMargin() {
+    const auto digits = QString::number(View().lines()).size();
+    View().setMarginWidth(0, QString(std::max<qsizetype>(digits, 3) + 1, '0'));
+}
+
+/// The byte offset where the widget has a position, and the columns of virtual space behind it.
+std::pair<long, long> TEditorMirror::PlaceOf(const TEditText& text, TTextPos pos) {
+    const int length = static_cast<int>(text.LineLength(pos.Row));
+    return {static_cast<long>(text.OffsetAt(pos)), std::max(pos.Col - 1 - length, 0)};
+}
+
+void TEditorMirror::ShowSelection(const TSourceBuffer& buffer) {
     const TSourceView& source = *buffer.View();
-    const TEditText& text = buffer.Text();
-    const auto place = [&](TTextPos pos) { return static_cast<long>(text.OffsetAt(pos)); };
-    const auto beyond = [&](TTextPos pos) {
-        return std::max(pos.Col - 1 - static_cast<int>(text.LineLength(pos.Row)), 0);
-    };
-    const TTextPos caret = source.Cursor();
-    const TTextPos anchor = !source.HasBlock()             ? caret
-                            : caret == source.BlockStart() ? source.BlockEnd()
-                                                           : source.BlockStart();
-    QsciScintilla& view = View();
-    if (source.BlockStyle() == btColumn && source.HasBlock()) {
-        view.SendScintilla(QsciScintilla::SCI_SETRECTANGULARSELECTIONANCHOR, place(anchor));
-        view.SendScintilla(QsciScintilla::SCI_SETRECTANGULARSELECTIONANCHORVIRTUALSPACE,
-                           beyond(anchor));
-        view.SendScintilla(QsciScintilla::SCI_SETRECTANGULARSELECTIONCARET, place(caret));
-        view.SendScintilla(QsciScintilla::SCI_SETRECTANGULARSELECTIONCARETVIRTUALSPACE,
-                           beyond(caret));
+    const TViewState state = source.State();
+    TTextPos anchor = state.BlockValid ? state.BlockStart : state.Cursor;
+    TTextPos caret = state.Cursor;
+    // Whole lines and the like are selected as the text that they are.
+    if (source.BlockStyle() == btLine || source.BlockStyle() == btInclusive) {
+        const bool atStart = caret < anchor;
+        anchor = atStart ? source.BlockEnd() : source.BlockStart();
+        caret = atStart ? source.BlockStart() : source.BlockEnd();
+    }
+    const auto [anchorAt, anchorBeyond] = PlaceOf(buffer.Text(), anchor);
+    const auto [caretAt, caretBeyond] = PlaceOf(buffer.Text(), caret);
+    if (source.BlockStyle() == btColumn) {
+        Tell(QsciScintilla::SCI_SETRECTANGULARSELECTIONANCHOR, anchorAt);
+        Tell(QsciScintilla::SCI_SETRECTANGULARSELECTIONANCHORVIRTUALSPACE, anchorBeyond);
+        Tell(QsciScintilla::SCI_SETRECTANGULARSELECTIONCARET, caretAt);
+        Tell(QsciScintilla::SCI_SETRECTANGULARSELECTIONCARETVIRTUALSPACE, caretBeyond);
+        ShowColumns(buffer);
         return;
     }
-    if (view.SendScintilla(QsciScintilla::SCI_GETANCHOR) != place(anchor) ||
-        view.SendScintilla(QsciScintilla::SCI_GETCURRENTPOS) != place(caret) ||
-        view.SendScintilla(QsciScintilla::SCI_SELECTIONISRECTANGLE)) {
-        view.SendScintilla(QsciScintilla::SCI_SETSELECTIONMODE, QsciScintilla::SC_SEL_STREAM);
-        view.SendScintilla(QsciScintilla::SCI_SETSEL, static_cast<unsigned long>(place(anchor)),
-                           place(caret));
+    Tell(QsciScintilla::SCI_SETSEL, anchorAt, caretAt);
+    Tell(QsciScintilla::SCI_SETSELECTIONNANCHORVIRTUALSPACE, 0, anchorBeyond);
+    Tell(QsciScintilla::SCI_SETSELECTIONNCARETVIRTUALSPACE, 0, caretBeyond);
+}
+
+/// Has the widget select in each row just what the block is there. The widget goes by pixels, which
+/// differ from places where a byte is shown by its number, or a character is wide.
+void TEditorMirror::ShowColumns(const TSourceBuffer& buffer) {
+    const TSourceView& source = *buffer.View();
+    const TColumnBlock columns = source.ColumnBlock();
+    const long rows = columns.LastRow() - columns.FirstRow() + 1;
+    if (Ask(QsciScintilla::SCI_GETSELECTIONS) != rows) return;
+    // The widget counts its rows from the anchor.
+    const TViewState state = source.State();
+    const int step = state.BlockStart.Row > state.Cursor.Row ? -1 : 1;
+    const bool caretLeft =
+        SeenAt(buffer.Text(), state.Cursor) < SeenAt(buffer.Text(), state.BlockStart);
+    const auto show = [&](long index, TTextPos pos, unsigned at, unsigned beyond) {
+        const auto [place, space] = PlaceOf(buffer.Text(), pos);
+        Tell(at, index, place);
+        Tell(beyond, index, space);
+    };
+    for (long i = 0; i < rows; ++i) {
+        const int row = state.BlockStart.Row + step * static_cast<int>(i);
+        const TTextPos left = columns.From(row), right = columns.To(row);
+        show(i, caretLeft ? right : left, QsciScintilla::SCI_SETSELECTIONNANCHOR,
+             QsciScintilla::SCI_SETSELECTIONNANCHORVIRTUALSPACE);
+        show(i, caretLeft ? left : right, QsciScintilla::SCI_SETSELECTIONNCARET,
+             QsciScintilla::SCI_SETSELECTIONNCARETVIRTUALSPACE);
     }
-    view.SendScintilla(QsciScintilla::SCI_SETSELECTIONNCARETVIRTUALSPACE, 0, beyond(caret));
-    view.SendScintilla(QsciScintilla::SCI_SETSELECTIONNANCHORVIRTUALSPACE, 0, beyond(anchor));
+}
+
+int TEditorMirror::ColumnWidth() const {
+    return std::max(static_cast<int>(View().SendScintilla(QsciScintilla::SCI_TEXTWIDTH,
+                                                          QsciScintilla::STYLE_DEFAULT, " ")),
+                    1);
+}
+
+/// Shows the rows that the view says. The columns are the widget's to say, which keeps the cursor
+/// in sight, unless they were asked for.
+void TEditorMirror::ShowPlace(TSourceView& source, TDocument& document, bool moved, bool another) {
+    if (another || source.LeftColumn() != document.LeftColumn)
+        Tell(QsciScintilla::SCI_SETXOFFSET, (source.LeftColumn() - 1) * ColumnWidth());
+    if (moved) Tell(QsciScintilla::SCI_SCROLLCARET);
+    if (Ask(QsciScintilla::SCI_GETFIRSTVISIBLELINE) != source.TopRow() - 1)
+        Tell(QsciScintilla::SCI_SETFIRSTVISIBLELINE, source.TopRow() - 1);
+    TakePlace(source, document);
 }
 
 // --- From the widget to the buffer -------------------------------------------------------------
 
+void TEditorMirror::Take() {
+    if (FFollowing || !Agrees()) return;
+    TSourceBuffer& buffer = *FrontEnd().Ide().CurrentBuffer();
+    TSourceView& source = *buffer.View();
+    if (Selection() != FSelection) TakeSelection(buffer);
+    // Where the view was asked to scroll, that is to be shown.
+    if (source.TopRow() == FDocument->TopRow && source.LeftColumn() == FDocument->LeftColumn)
+        TakePlace(source, *FDocument);
+}
+
 void TEditorMirror::TakeChange(int position, int modification, const char* text, int length) {
     constexpr int inserted = QsciScintilla::SC_MOD_INSERTTEXT;
     constexpr int deleted = QsciScintilla::SC_MOD_DELETETEXT;
-    if (FFollowing || (modification & (inserted | deleted)) == 0) return;
+    if (FFollowing || (modification & (inserted | deleted)) == 0 || !FDocument) return;
     TSourceBuffer* const buffer = FrontEnd().Ide().CurrentBuffer();
-    if (!buffer || buffer != FBuffer) return;
-    const TScopedValue taking(FTaking, true);
+    const bool known =
+        buffer && FBuffer == buffer && FDocument->Revision == buffer->Text().Revision();
+    FDocument->Revision.reset(); // what is shown is to be looked at, unless all goes well
+    if (!known) return FrontEnd().StateChanged(Control());
     const auto from = static_cast<std::size_t>(position);
+    const auto size = static_cast<std::size_t>(length);
     const bool isInsert = (modification & inserted) != 0;
-    FrontEnd().Ide().RunCommand(
-        [&] {
-            const TSourceBuffer::TEditScope scope(*buffer);
-            buffer->Text().Replace(from, isInsert ? from : from + static_cast<std::size_t>(length),
-                                   isInsert
-                                       ? std::string_view(text, static_cast<std::size_t>(length))
-                                       : std::string_view());
-            const std::size_t caret = isInsert ? from + static_cast<std::size_t>(length) : from;
-            buffer->View()->MoveTo(buffer->Text().PosAt(caret));
-        },
-        length == 1 ? gkTyping : gkCommand);
-    FDocuments[buffer].Revision = buffer->Text().Revision();
+    const bool taken = FrontEnd().Ide().RunCommand([&] {
+        const TSourceBuffer::TEditScope scope(*buffer);
+        const std::string_view bytes = isInsert ? std::string_view(text, size) : "";
+        const std::size_t end = buffer->Text().Replace(from, isInsert ? from : from + size, bytes);
+        buffer->View()->MoveTo(buffer->Text().PosAt(end));
+    });
+    if (!taken) return FrontEnd().StateChanged(Control());
+    FDocument->Revision = buffer->Text().Revision();
+    FDocument->State = buffer->View()->State();
+    FSelection.reset();
+    ShowMargin();
 }
 
-void TEditorMirror::TakeSelection() {
-    TSourceBuffer* const buffer = FrontEnd().Ide().CurrentBuffer();
-    if (FFollowing || FTaking || !buffer || buffer != FBuffer) return;
-    if (FDocuments[buffer].Revision != buffer->Text().Revision()) return;
-    QsciScintilla& view = View();
-    const auto ask = [&](unsigned message) {
-        return static_cast<int>(view.SendScintilla(message, 0ul));
-    };
-    const auto pos = [&](int offset, int beyond) {
-        TTextPos at = buffer->Text().PosAt(static_cast<std::size_t>(offset));
-        at.Col += beyond;
+TEditorMirror::TSelection TEditorMirror::Selection() const {
+    if (Ask(QsciScintilla::SCI_SELECTIONISRECTANGLE) != 0)
+        return {.Column = true,
+                .Anchor = Ask(QsciScintilla::SCI_GETRECTANGULARSELECTIONANCHOR),
+                .AnchorBeyond = Ask(QsciScintilla::SCI_GETRECTANGULARSELECTIONANCHORVIRTUALSPACE),
+                .Caret = Ask(QsciScintilla::SCI_GETRECTANGULARSELECTIONCARET),
+                .CaretBeyond = Ask(QsciScintilla::SCI_GETRECTANGULARSELECTIONCARETVIRTUALSPACE)};
+    return {.Column = false,
+            .Anchor = Ask(QsciScintilla::SCI_GETANCHOR),
+            .AnchorBeyond = Ask(QsciScintilla::SCI_GETSELECTIONNANCHORVIRTUALSPACE),
+            .Caret = Ask(QsciScintilla::SCI_GETCURRENTPOS),
+            .CaretBeyond = Ask(QsciScintilla::SCI_GETSELECTIONNCARETVIRTUALSPACE)};
+}
+
+void TEditorMirror::TakeSelection(TSourceBuffer& buffer) {
+    const TSelection selection = Selection();
+    const auto pos = [&](long offset, long beyond) {
+        TTextPos at = buffer.Text().PosAt(static_cast<std::size_t>(offset));
+        at.Col += static_cast<int>(beyond);
         return at;
     };
-    const bool column = ask(QsciScintilla::SCI_SELECTIONISRECTANGLE) != 0;
-    const TTextPos anchor =
-        column ? pos(ask(QsciScintilla::SCI_GETRECTANGULARSELECTIONANCHOR),
-                     ask(QsciScintilla::SCI_GETRECTANGULARSELECTIONANCHORVIRTUALSPACE))
-               : pos(ask(QsciScintilla::SCI_GETANCHOR),
-                     ask(QsciScintilla::SCI_GETSELECTIONNANCHORVIRTUALSPACE));
-    const TTextPos caret =
-        column ? pos(ask(QsciScintilla::SCI_GETRECTANGULARSELECTIONCARET),
-                     ask(QsciScintilla::SCI_GETRECTANGULARSELECTIONCARETVIRTUALSPACE))
-               : pos(ask(QsciScintilla::SCI_GETCURRENTPOS),
-                     ask(QsciScintilla::SCI_GETSELECTIONNCARETVIRTUALSPACE));
-    TSourceView& source = *buffer->View();
-    if (anchor == caret)
-        source.MoveTo(caret);
-    else if (caret < anchor)
-        source.Select(caret, anchor, column ? btColumn : btNonInclusive, true);
-    else
-        source.Select(anchor, caret, column ? btColumn : btNonInclusive);
+    const TTextPos anchor = pos(selection.Anchor, selection.AnchorBeyond);
+    const TTextPos caret = pos(selection.Caret, selection.CaretBeyond);
+    TSourceView& source = *buffer.View();
+    source.MoveTo(anchor);
+    if (anchor != caret) source.ExtendTo(caret, selection.Column ? btColumn : btNonInclusive);
+    FDocument->State = source.State();
+    FSelection = selection;
+    if (source.BlockStyle() != btColumn) return;
+    const TScopedValue following(FFollowing, true);
+    ShowColumns(buffer);
 }
 
-bool TEditorMirror::eventFilter(QObject*, QEvent* event) {
-    if (event->type() == QEvent::FocusIn) {
-        TEditWindow& window = FrontEnd().Ide().EditWindow();
-        if (!window.EditorHasFocus() && window.Visible()) Control().SetFocus();
+void TEditorMirror::TakePlace(TSourceView& source, TDocument& document) const {
+    const int top = static_cast<int>(Ask(QsciScintilla::SCI_GETFIRSTVISIBLELINE)) + 1;
+    const int left = static_cast<int>(Ask(QsciScintilla::SCI_GETXOFFSET)) / ColumnWidth() + 1;
+    source.Scroll(top - source.TopRow(), left - source.LeftColumn());
+    document.TopRow = source.TopRow();
+    document.LeftColumn = source.LeftColumn();
+}
+
+// --- What the widget hands on ------------------------------------------------------------------
+
+bool TEditorMirror::TakeKey(const QKeyEvent& event) {
+    Follow();
+    TSourceView* const view = FrontEnd().Ide().CurrentView();
+    if (!view) return true;
+    if (IsTyped(event)) {
+        Type(event.text());
+        return true;
     }
-    return false;
+    const TShortCut key = ShortCutOf(event);
+    bool taken = false;
+    // A key that is no command, as Shift alone, does not end what is typed in one go.
+    if (key != 0) FrontEnd().Ide().RunCommand([&] { taken = PressEditorKey(*view, key); });
+    Follow();
+    return taken || key == 0;
+}
+
+void TEditorMirror::Type(const QString& text) {
+    if (text.isEmpty()) return;
+    Follow();
+    TSourceView* const view = FrontEnd().Ide().CurrentView();
+    if (!view) return;
+    FrontEnd().Ide().RunCommand([&] { view->TypeText(ToText(text)); }, gkTyping);
+    Follow();
+}
+
+void TEditorMirror::AsOne(const std::function<void()>& action) {
+    Follow();
+    FrontEnd().Ide().RunCommand([&] {
+        action();
+        Take();
+    });
+    Follow();
+}
+
+void TEditorMirror::PasteAt(QPoint place, const QString& text) {
+    Follow();
+    TSourceView* const view = FrontEnd().Ide().CurrentView();
+    if (!view || text.isEmpty()) return;
+    const long offset = View().SendScintilla(QsciScintilla::SCI_POSITIONFROMPOINT,
+                                             static_cast<unsigned long>(place.x()), place.y());
+    FrontEnd().Ide().RunCommand([&] {
+        view->MoveTo(view->Buffer().Text().PosAt(static_cast<std::size_t>(offset)));
+        view->Put(ToText(text));
+        view->ScrollIntoView();
+    });
+    Follow();
+}
+
+void TEditorMirror::ShowMenu(QPoint place) {
+    auto* const items =
+        dynamic_cast<TMenuItem*>(FrontEnd().Ide().MainForm().FindComponent("EditMenu"));
+    if (!items) return;
+    auto* const menu = new QMenu(Widget());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    FrontEnd().FillMenu(*menu, *items);
+    menu->popup(place);
+}
+
+void TEditorMirror::Focused() {
+    const TEditWindow& window = FrontEnd().Ide().EditWindow();
+    if (!window.EditorHasFocus() && window.Visible()) Control().SetFocus();
 }
 
 } // namespace tarn

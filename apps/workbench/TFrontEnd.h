@@ -29,6 +29,8 @@ public:
 
     TSession& Session() { return FSession; }
     TIde& Ide() { return FSession.Ide(); }
+    /// Whether a script does what a user does.
+    bool Watched() const { return FWatched; }
 
     /// The mirror of a control; null when it has none.
     TMirror* MirrorOf(const TControl& control) const;

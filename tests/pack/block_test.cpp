@@ -425,7 +425,6 @@ TEST_F(BlockToolsTest, TheKeysOfDisabledCommandsChangeNothing) {
 TEST_F(BlockToolsTest, KeepsTheCursorAwayFromTheEdges) {
     std::string text;
     for (int row = 1; row < 60; ++row) text += "x\n";
-    ASSERT_EQ(TSourceView::Height, 25);
     const struct {
         int Top, Cursor, Expected;
     } cases[] = {
@@ -435,6 +434,7 @@ TEST_F(BlockToolsTest, KeepsTheCursorAwayFromTheEdges) {
         {1, 1, 1},    {2, 3, 1},    {60, 60, 58}, // the text is left on neither side
     };
     TSourceView& view = Open(text);
+    ASSERT_EQ(view.Height(), 25);
     for (const auto& c : cases) {
         view.MoveTo({c.Cursor, 1});
         view.Scroll(c.Top - view.TopRow(), 0);

@@ -1,6 +1,10 @@
 #include "Source/EditorKeys.h"
 
+#include "Modules/TIdeModule.h"
 #include "Source/TSourceBuffer.h"
+#include "TIde.h"
+
+#include <algorithm>
 
 namespace tarn {
 namespace {
@@ -15,15 +19,21 @@ using TCursorTarget = TTextPos (*)(const TSourceView& view, TTextPos cursor);
 
 struct TCursorKey {
     TShortCut Key;
-    int PageScroll; ///< rows that the view moves along
+    int Pages; ///< that the view moves along
     TCursorTarget Target;
 };
 
-constexpr int Page = TSourceView::Height;
-
-/// The place that is so many rows and columns away.
-template <int rows, int cols> TTextPos Away(const TSourceView&, TTextPos at) {
-    return {at.Row + rows, at.Col + cols};
+TTextPos Left(const TSourceView& view, TTextPos at) {
+    return CharBefore(view.Buffer().Text(), at);
+}
+TTextPos Right(const TSourceView& view, TTextPos at) {
+    return CharBehind(view.Buffer().Text(), at);
+}
+/// The position that is seen so many rows and pages below this one, as far as there are rows.
+template <int rows, int pages = 0> TTextPos Below(const TSourceView& view, TTextPos at) {
+    const TEditText& text = view.Buffer().Text();
+    const int row = std::clamp(at.Row + rows + pages * view.Height(), 1, text.LineCount());
+    return PosSeenAt(text, row, SeenAt(text, at));
 }
 TTextPos LineStart(const TSourceView&, TTextPos at) {
     return {at.Row, 1};
@@ -40,20 +50,29 @@ TTextPos TextEnd(const TSourceView& view, TTextPos) {
 }
 
 constexpr TCursorKey CursorKeys[] = {
-    {VK_LEFT, 0, Away<0, -1>},         {VK_RIGHT, 0, Away<0, 1>},
-    {VK_UP, 0, Away<-1, 0>},           {VK_DOWN, 0, Away<1, 0>},
-    {VK_PRIOR, -Page, Away<-Page, 0>}, {VK_NEXT, Page, Away<Page, 0>},
-    {VK_HOME, 0, LineStart},           {VK_END, 0, LineEnd},
-    {scCtrl | VK_HOME, 0, TextStart},  {scCtrl | VK_END, 0, TextEnd},
+    {VK_LEFT, 0, Left},
+    {VK_RIGHT, 0, Right},
+    {VK_UP, 0, Below<-1>},
+    {VK_DOWN, 0, Below<1>},
+    {VK_PRIOR, -1, Below<0, -1>},
+    {VK_NEXT, 1, Below<0, 1>},
+    {VK_HOME, 0, LineStart},
+    {VK_END, 0, LineEnd},
+    {scCtrl | VK_HOME, 0, TextStart},
+    {scCtrl | VK_END, 0, TextEnd},
 };
 
 bool MoveByKey(TSourceView& view, TShortCut key) {
-    const bool extends = (key & scShift) != 0;
+    constexpr TShortCut columnKeys = scShift | scAlt;
+    const TShortCut modifiers = key & columnKeys;
+    if (modifiers == scAlt) return false;
     for (const TCursorKey& row : CursorKeys) {
-        if (row.Key != (key & ~scShift)) continue;
+        if (row.Key != (key & ~columnKeys)) continue;
         const TTextPos target = row.Target(view, view.Cursor());
-        view.Scroll(row.PageScroll, 0);
-        if (extends)
+        view.Scroll(row.Pages * view.Height(), 0);
+        if (modifiers == columnKeys)
+            view.ExtendTo(target, btColumn);
+        else if (modifiers == scShift)
             view.ExtendTo(target);
         else
             view.MoveTo(target);
@@ -76,14 +95,15 @@ void DeleteTo(TSourceView& view, TTextPos other) {
 void BackSpace(TSourceView& view) {
     const auto [row, col] = view.Cursor();
     if (col > 1)
-        DeleteTo(view, {row, col - 1});
+        DeleteTo(view, Left(view, {row, col}));
     else
         DeleteTo(view, row > 1 ? TTextPos{row - 1, EndColumn(view, row - 1)} : TTextPos{});
 }
 
 void Delete(TSourceView& view) {
     const auto [row, col] = view.Cursor();
-    if (view.HasBlock() || col < EndColumn(view, row)) return DeleteTo(view, {row, col + 1});
+    if (view.HasBlock() || col < EndColumn(view, row))
+        return DeleteTo(view, Right(view, {row, col}));
     if (row == view.Buffer().Text().LineCount()) return view.DropBlock();
     if (col > EndColumn(view, row)) { // the next line comes to the cursor, not to the line's end
         view.MoveTo({row, col - 1});
@@ -93,9 +113,8 @@ void Delete(TSourceView& view) {
 }
 
 void Tab(TSourceView& view) {
-    constexpr int tabSize = 8;
     view.DeleteBlock();
-    const int width = tabSize - (view.Cursor().Col - 1) % tabSize;
+    const int width = TabSize - (SeenAt(view.Buffer().Text(), view.Cursor()) - 1) % TabSize;
     view.TypeText(std::string(static_cast<std::size_t>(width), ' '));
 }
 
@@ -104,10 +123,16 @@ struct TEditKey {
     void (*Run)(TSourceView& view);
 };
 
+void Return(TSourceView& view) {
+    view.TypeText("\n");
+}
+
 constexpr TEditKey EditKeys[] = {
     {VK_BACK, BackSpace},
+    {scShift | VK_BACK, BackSpace},
     {VK_DELETE, Delete},
-    {VK_RETURN, [](TSourceView& view) { view.TypeText("\n"); }},
+    {VK_RETURN, Return},
+    {scShift | VK_RETURN, Return},
     {VK_TAB, Tab},
     {VK_INSERT, [](TSourceView&) {}}, // typing always inserts
 };
@@ -122,9 +147,32 @@ bool EditByKey(TSourceView& view, TShortCut key) {
     return false;
 }
 
+// --- Keys of commands -------------------------------------------------------------------------
+
+struct TAlias {
+    TShortCut Key, Meant;
+};
+
+/// Keys of old for what has another key in the menu.
+constexpr TAlias Aliases[] = {
+    {scShift | VK_DELETE, scCtrl | 'X'},    {scCtrl | VK_INSERT, scCtrl | 'C'},
+    {scShift | VK_INSERT, scCtrl | 'V'},    {scAlt | VK_BACK, scCtrl | 'Z'},
+    {scCtrl | 'Y', scShift | scCtrl | 'Z'},
+};
+
+bool RunByKey(TSourceView& view, TShortCut key) {
+    for (const TAlias& alias : Aliases)
+        if (alias.Key == key) {
+            view.Buffer().Module().Ide().PressShortCut(alias.Meant);
+            return true;
+        }
+    return false;
+}
+
 } // namespace
 
 bool PressEditorKey(TSourceView& view, TShortCut key) {
+    if (RunByKey(view, key)) return true;
     if (!MoveByKey(view, key) && !EditByKey(view, key)) return false;
     view.ScrollIntoView();
     return true;

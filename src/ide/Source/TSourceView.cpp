@@ -80,6 +80,12 @@ bool TSourceView::ExtendTo(TTextPos pos) {
     return SetCursor(pos);
 }
 
+bool TSourceView::ExtendTo(TTextPos pos, TOTABlockType style) {
+    const bool asAsked = ExtendTo(pos);
+    FStyle = style;
+    return asAsked;
+}
+
 bool TSourceView::GoTo(TTextPos pos) {
     const bool asAsked = MoveTo(pos);
     ScrollIntoView();
@@ -96,8 +102,7 @@ char TSourceView::CharAtCursor() const {
 
 void TSourceView::Select(TTextPos from, TTextPos to, TOTABlockType style, bool cursorAtStart) {
     MoveTo(cursorAtStart ? to : from);
-    ExtendTo(cursorAtStart ? from : to);
-    FStyle = style;
+    ExtendTo(cursorAtStart ? from : to, style);
     ScrollIntoView();
 }
 
@@ -109,10 +114,10 @@ TSourceView::TRange TSourceView::Block() const {
     if (!FHasAnchor) return {FCursor, FCursor};
     TRange block{std::min(FAnchor, FCursor), std::max(FAnchor, FCursor)};
     switch (FStyle) {
-    case btColumn:
-        block.Start.Col = std::min(FAnchor.Col, FCursor.Col);
-        block.End.Col = std::max(FAnchor.Col, FCursor.Col);
-        break;
+    case btColumn: {
+        const TColumnBlock columns = ColumnBlock();
+        return {columns.From(columns.FirstRow()), columns.To(columns.LastRow())};
+    }
     case btLine:
         block.Start.Col = 1;
         if (block.End.Row < Text().LineCount())
@@ -129,9 +134,13 @@ TSourceView::TRange TSourceView::Block() const {
     return block;
 }
 
+TColumnBlock TSourceView::ColumnBlock() const {
+    return {Text(), FAnchor, FCursor};
+}
+
 bool TSourceView::HasBlock() const {
+    if (BlockStyle() == btColumn) return !ColumnBlock().Empty();
     const TRange block = Block();
-    if (BlockStyle() == btColumn) return block.Start.Col < block.End.Col;
     return Text().OffsetAt(block.Start) < Text().OffsetAt(block.End);
 }
 
@@ -142,10 +151,11 @@ std::string TSourceView::BlockText() const {
         return Text().Text(Text().OffsetAt(from), Text().OffsetAt(to));
     };
     if (BlockStyle() != btColumn) return between(start, end);
+    const TColumnBlock columns = ColumnBlock();
     std::string result;
     for (int row = start.Row; row <= end.Row; ++row) {
         if (row > start.Row) result += LineBreak;
-        result += between({row, start.Col}, {row, end.Col});
+        result += between(columns.From(row), columns.To(row));
     }
     return result;
 }
@@ -187,7 +197,7 @@ void TSourceView::Put(std::string_view text) {
     TEditText& store = FBuffer.Text();
     TRange block = Block();
     if (BlockStyle() == btColumn) {
-        DeleteColumns(block);
+        DeleteColumns();
         block.End = block.Start;
     }
     std::size_t from = store.OffsetAt(block.Start);
@@ -202,11 +212,11 @@ void TSourceView::Put(std::string_view text) {
     Scroll(0, 0);
 }
 
-void TSourceView::DeleteColumns(const TRange& block) {
+void TSourceView::DeleteColumns() {
     TEditText& store = FBuffer.Text();
-    for (int row = block.End.Row; row >= block.Start.Row; --row)
-        store.Replace(store.OffsetAt({row, block.Start.Col}), store.OffsetAt({row, block.End.Col}),
-                      {});
+    const TColumnBlock columns = ColumnBlock();
+    for (int row = columns.LastRow(); row >= columns.FirstRow(); --row)
+        store.Replace(store.OffsetAt(columns.From(row)), store.OffsetAt(columns.To(row)), {});
 }
 
 // --- What is seen -----------------------------------------------------------------------------
@@ -216,8 +226,14 @@ void TSourceView::Scroll(int deltaRow, int deltaCol) {
     FLeftColumn = std::max(SaturatedSum(FLeftColumn, deltaCol), 1);
 }
 
+void TSourceView::SetHeight(int rows) {
+    const bool seen = FCursor.Row >= FTopRow && FCursor.Row <= BottomRow();
+    FHeight = std::max(rows, 1);
+    if (seen) ScrollIntoView();
+}
+
 void TSourceView::ScrollIntoView() {
-    const int lowest = std::max(FCursor.Row - Height + 1, 1);
+    const int lowest = std::max(FCursor.Row - FHeight + 1, 1);
     FTopRow = std::clamp(FTopRow, lowest, FCursor.Row);
 }
 

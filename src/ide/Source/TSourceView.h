@@ -1,12 +1,11 @@
 #pragma once
 
-#include "TextStore/TTextPos.h"
+#include "Source/Columns.h"
 #include "ota/ToolsAPI.h"
 
 namespace tarn {
 
 class TSourceBuffer;
-class TEditText;
 
 /// The view of a source buffer: cursor, block and scroll position, and the editing that starts
 /// from them. A cursor may stand in the virtual space behind the end of its line; text that comes
@@ -21,6 +20,8 @@ public:
     TTextPos Cursor() const { return FCursor; }
     bool MoveTo(TTextPos pos);   ///< drops the block, does not scroll
     bool ExtendTo(TTextPos pos); ///< moves the cursor's end of the block; begins one where it was
+    /// The same, and the block is of that style from then on.
+    bool ExtendTo(TTextPos pos, TOTABlockType style);
     /// Moves the cursor as a user does: drops the block and scrolls to the cursor.
     bool GoTo(TTextPos pos);
     /// The character at the cursor; CR at and beyond the end of its line.
@@ -35,12 +36,14 @@ public:
     void DropBlock() { FHasAnchor = false; }
     TOTABlockType BlockStyle() const { return FHasAnchor ? FStyle : btNonInclusive; }
     bool HasBlock() const; ///< whether there is a block that is not empty
-    /// The first place of the block and the place behind its last character, in a column block two
-    /// corners of the rectangle; the cursor's place when there is no block.
+    /// The first place of the block and the place behind its last character, in a column block the
+    /// corners at the top left and the bottom right; the cursor's place when there is no block.
     TTextPos BlockStart() const { return Block().Start; }
     TTextPos BlockEnd() const { return Block().End; }
     /// The bytes of the block; the lines of a column block are joined by CR LF.
     std::string BlockText() const;
+    /// What a column block is in each of its rows.
+    TColumnBlock ColumnBlock() const;
 
     // Editing. Each call outside a command is one undo step.
     /// Replaces the block, or inserts at the cursor. Line breaks take the form that prevails; while
@@ -53,9 +56,11 @@ public:
     void DeleteBlock();
 
     // What is seen of the text.
-    static constexpr int Height = 25; ///< rows
+    int Height() const { return FHeight; } ///< rows, at least 1
+    /// Told by whoever shows the view. A cursor that was seen still is.
+    void SetHeight(int rows);
     int TopRow() const { return FTopRow; }
-    int BottomRow() const { return FTopRow + Height - 1; } ///< also behind the end of the text
+    int BottomRow() const { return FTopRow + FHeight - 1; } ///< also behind the end of the text
     int LeftColumn() const { return FLeftColumn; }
     void Scroll(int deltaRow, int deltaCol); ///< keeps the top row in the text
     void ScrollIntoView();                   ///< to the cursor, by as little as possible
@@ -79,13 +84,14 @@ private:
     TTextPos Nearest(TTextPos pos) const;
     bool SetCursor(TTextPos pos);
     std::string IndentationAt(TTextPos pos) const;
-    void DeleteColumns(const TRange& block);
+    void DeleteColumns();
 
     TSourceBuffer& FBuffer;
     TTextPos FCursor;
     TTextPos FAnchor;
     TOTABlockType FStyle = btNonInclusive;
     bool FHasAnchor = false;
+    int FHeight = 25;
     int FTopRow = 1;
     int FLeftColumn = 1;
     int FPaintCount = 0;
