@@ -1,5 +1,6 @@
 // Which widget shows a control of which class.
 
+#include "CpuMirrors.h"
 #include "Mirrors.h"
 #include "TEditorMirror.h"
 #include "TFormMirror.h"
@@ -31,7 +32,8 @@ constexpr TMirrorRow Rows[] = {
     Row<TScrollBoxMirror>(),  Row<TSplitterMirror>(),   Row<TToolBarMirror>(),
     Row<TToolButtonMirror>(), Row<TTabsMirror>(),       Row<TGridMirror>(),
     Row<TColorMirror>(),      Row<TFontMirror>(),       Row<TDateTimeMirror>(),
-    Row<THotKeyMirror>(),     Row<TImageMirror>(),      Row<TPanelMirror>(),
+    Row<THotKeyMirror>(),     Row<TImageMirror>(),      Row<TAddressMirror>(),
+    Row<TCpuValuesMirror>(),  Row<TPanelMirror>(),
 };
 
 } // namespace

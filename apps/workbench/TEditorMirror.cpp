@@ -82,6 +82,9 @@ TEditorMirror::TEditorMirror(TFrontEnd& frontEnd, TControl& control)
                            QsciScintilla::SCVS_USERACCESSIBLE);
     // Any row of the text may be the top one.
     view.SendScintilla(QsciScintilla::SCI_SETENDATLASTLINE, 0);
+    // The bar at the bottom is there when a line is longer than the window is wide.
+    view.setScrollWidth(1);
+    view.setScrollWidthTracking(true);
     view.setAccessibleName("Source");
     connect(&view, &QsciScintillaBase::SCN_MODIFIED, this,
             [this](int position, int modification, const char* text, int length) {
@@ -428,6 +431,10 @@ void TEditorMirror::ShowMenu(QPoint place) {
     menu->setAttribute(Qt::WA_DeleteOnClose);
     FrontEnd().FillMenu(*menu, *items);
     menu->popup(place);
+}
+
+void TEditorMirror::Recolour() {
+    if (const TSourceBuffer* const buffer = FBuffer.Get()) ChooseLexer(*buffer);
 }
 
 void TEditorMirror::Focused() {

@@ -49,6 +49,8 @@ public:
     /// Shows the menu of the editor, which has the commands of the menu "Edit".
     void ShowMenu(QPoint place);
     void Focused();
+    /// Takes the colours of the palette.
+    void Recolour();
 
 protected:
     void SyncPlace() override;

@@ -98,4 +98,9 @@ void TSourceEdit::resizeEvent(QResizeEvent* event) {
     FMirror.Follow(); // the view has other rows
 }
 
+void TSourceEdit::changeEvent(QEvent* event) {
+    QsciScintilla::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) FMirror.Recolour();
+}
+
 } // namespace tarn

@@ -1,5 +1,6 @@
 #include "Windows/TCpuWindow.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarn {
@@ -83,6 +84,23 @@ void TDisassemblerView::ShowState(TStoppedState state) {
     TAddressPane::ShowState(std::move(state));
 }
 
+std::uint32_t TDisassemblerView::RowAt(std::uint32_t address) const {
+    return DisassemblyLine(*FState, address).Address;
+}
+
+std::uint32_t TDisassemblerView::NextRow(std::uint32_t row) const {
+    const std::size_t size = DisassemblyLine(*FState, row).Bytes.size();
+    return row + std::max(static_cast<std::uint32_t>(size), 1u);
+}
+
+std::string TDisassemblerView::RowText(std::uint32_t row) const {
+    const TInstruction line = DisassemblyLine(*FState, row);
+    std::string text;
+    for (const std::string& above : {line.Label, line.Source})
+        if (!above.empty()) text += above + "\n";
+    return text + DisassemblyText(line);
+}
+
 TRegisterView::TRegisterView(TControl& window, TStoppedState state)
     : TCpuPane(window, "RegisterView", std::move(state)) {}
 
@@ -99,6 +117,17 @@ std::string TDumpView::SelectedData() const {
     return byte ? HexText(*byte, 2) : "??";
 }
 
+/// The bytes, and what of them are characters.
+std::string TDumpView::RowText(std::uint32_t row) const {
+    std::string bytes, characters;
+    for (std::uint32_t i = 0; i < RowSize; ++i) {
+        const auto byte = FState->ByteAt(row + i);
+        bytes += " " + (byte ? HexText(*byte, 2) : "??");
+        characters += byte && *byte >= ' ' && *byte < 0x7F ? static_cast<char>(*byte) : '.';
+    }
+    return HexText(row) + bytes + " " + characters;
+}
+
 TStackView::TStackView(TControl& window, TStoppedState state)
     : TAddressPane(window, "StackView", std::move(state)) {
     FSelected = FState->Register(rgESP);
@@ -109,8 +138,12 @@ void TStackView::ShowState(TStoppedState state) {
     TAddressPane::ShowState(std::move(state));
 }
 
-std::string TStackView::SelectedData() const {
-    const auto entry = FState->EntryAt(FSelected);
+std::uint32_t TStackView::RowAt(std::uint32_t address) const {
+    return address - (address - FState->Register(rgESP)) % 4;
+}
+
+std::string TStackView::EntryText(std::uint32_t address) const {
+    const auto entry = FState->EntryAt(address);
     return entry ? HexText(*entry) : "????????";
 }
 
@@ -119,12 +152,27 @@ std::string TStackView::SelectedData() const {
 TCpuWindow::TCpuWindow(const TStoppedState& state) {
     SetName("DisassemblyView");
     SetCaption("CPU");
+    SetBoundsRect({0, 0, 760, 460});
     // The window owns its panes.
     new TDisassemblerView(*this, state);
     new TRegisterView(*this, state);
     new TFlagsView(*this, state);
     new TDumpView(*this, state);
     new TStackView(*this, state);
+}
+
+/// Code above the memory dump; registers and flags above the stack.
+void TCpuWindow::AlignControls() {
+    constexpr int flagsWidth = 60, registersWidth = 120; // pixels, in a font of a usual size
+    const int left = std::max(Width() - registersWidth - flagsWidth, 0);
+    const int top = Height() * 3 / 5;
+    const TRect places[] = {{0, 0, left, top},
+                            {left, 0, registersWidth, top},
+                            {left + registersWidth, 0, flagsWidth, top},
+                            {0, top, left, Height() - top},
+                            {left, top, registersWidth + flagsWidth, Height() - top}};
+    for (int i = 0; i < std::min(ControlCount(), static_cast<int>(std::size(places))); ++i)
+        Controls(i)->SetBoundsRect(places[i]);
 }
 
 void TCpuWindow::ShowState(const TStoppedState& state) {

@@ -37,6 +37,14 @@ public:
     int Selected() const { return static_cast<int>(FSelected); }
     void SetSelected(int value);
 
+    // What a front end shows: rows, each of the addresses from its first one to the next row's.
+    /// The first address of the row that holds an address.
+    virtual std::uint32_t RowAt(std::uint32_t address) const = 0;
+    virtual std::uint32_t NextRow(std::uint32_t row) const = 0;
+    std::uint32_t PreviousRow(std::uint32_t row) const { return RowAt(row - 1); }
+    /// The row's text; one of several lines has LF between them.
+    virtual std::string RowText(std::uint32_t row) const = 0;
+
 protected:
     using TCpuPane::TCpuPane;
     std::uint32_t FSelected = 0;
@@ -55,6 +63,10 @@ public:
     std::string SelectedLabel() const { return Line().Label; }
     std::string SelectedSource() const { return Line().Source; }
     std::string SelectedDisassembly() const { return DisassemblyText(Line()); }
+
+    std::uint32_t RowAt(std::uint32_t address) const override;
+    std::uint32_t NextRow(std::uint32_t row) const override;
+    std::string RowText(std::uint32_t row) const override; ///< label and source line above
 
 private:
     TInstruction Line() const { return DisassemblyLine(*FState, FSelected); }
@@ -123,6 +135,11 @@ public:
     TDumpView(TControl& window, TStoppedState state);
     /// The selected byte as two hexadecimal digits; "??" where there is no memory.
     std::string SelectedData() const;
+
+    static constexpr std::uint32_t RowSize = 16; ///< bytes
+    std::uint32_t RowAt(std::uint32_t address) const override { return address & ~(RowSize - 1); }
+    std::uint32_t NextRow(std::uint32_t row) const override { return row + RowSize; }
+    std::string RowText(std::uint32_t row) const override;
 };
 
 /// The stack, entry by entry.
@@ -135,7 +152,16 @@ public:
     void ShowState(TStoppedState state) override; ///< selects the top of the stack
     /// The selected entry as eight hexadecimal digits, the most significant first; "????????" when
     /// one of its four bytes is missing.
-    std::string SelectedData() const;
+    std::string SelectedData() const { return EntryText(FSelected); }
+
+    std::uint32_t RowAt(std::uint32_t address) const override; ///< entries as ESP has them
+    std::uint32_t NextRow(std::uint32_t row) const override { return row + 4; }
+    std::string RowText(std::uint32_t row) const override {
+        return HexText(row) + " " + EntryText(row);
+    }
+
+private:
+    std::string EntryText(std::uint32_t address) const;
 };
 
 /// The CPU window: the form "DisassemblyView", which shows a stopped program in five panes. It is
@@ -149,6 +175,9 @@ public:
 
     /// Shows another stop in all panes.
     void ShowState(const TStoppedState& state);
+
+protected:
+    void AlignControls() override;
 };
 
 } // namespace tarn
