@@ -41,6 +41,14 @@ template <bool front> std::size_t Common(std::string_view a, std::string_view b)
     return at;
 }
 
+/// The bytes from..to of a text.
+TPieces Between(const TPieces& text, std::size_t from, std::size_t to) {
+    const std::size_t seam = text[0].size();
+    const std::size_t cut = std::clamp(seam, from, to);
+    return {text[0].substr(std::min(from, seam), cut - from),
+            text[1].substr(std::max(cut, seam) - seam, to - cut)};
+}
+
 template <bool front> std::size_t Common(TPieces a, TPieces b) {
     if (!front) {
         std::swap(a[0], a[1]);
@@ -85,6 +93,8 @@ TEditorMirror::TEditorMirror(TFrontEnd& frontEnd, TControl& control)
     // The bar at the bottom is there when a line is longer than the window is wide.
     view.setScrollWidth(1);
     view.setScrollWidthTracking(true);
+    // The end of a long text is shown before all that stands above it is coloured.
+    view.SendScintilla(QsciScintilla::SCI_SETIDLESTYLING, QsciScintilla::SC_IDLESTYLING_ALL);
     view.setAccessibleName("Source");
     connect(&view, &QsciScintillaBase::SCN_MODIFIED, this,
             [this](int position, int modification, const char* text, int length) {
@@ -187,6 +197,7 @@ void TEditorMirror::ChooseLexer(const TSourceBuffer& buffer) {
 }
 
 /// Replaces the bytes between what both texts begin and end with; false when the text is shown.
+/// They are compared only where the buffer has changed since it was shown.
 bool TEditorMirror::ShowText(TSourceBuffer& buffer, TDocument& document) {
     if (document.Revision == buffer.Text().Revision()) return false;
     const auto size = static_cast<std::size_t>(Ask(QsciScintilla::SCI_GETLENGTH));
@@ -197,19 +208,43 @@ bool TEditorMirror::ShowText(TSourceBuffer& buffer, TDocument& document) {
             QsciScintilla::SCI_GETRANGEPOINTER, from, static_cast<long>(to - from)));
         return std::string_view(data, to - from);
     };
-    const TPieces shown = {bytes(0, gap), bytes(gap, size)};
-    const TPieces text = buffer.Text().Chunks();
-    const std::size_t front = Common<true>(shown, text);
-    const std::size_t most = std::min(size, buffer.Text().Size()) - front;
-    const std::size_t back = std::min(Common<false>(shown, text), most);
-    const std::string middle = buffer.Text().Text(front, buffer.Text().Size() - back);
+    const TEditText& text = buffer.Text();
+    const TUnchanged known = document.Revision ? text.UnchangedSince(*document.Revision)
+                                               : TUnchanged{.Front = 0, .Back = 0};
+    const std::size_t most = std::min(size, text.Size());
+    std::size_t front = std::min(known.Front, most);
+    std::size_t back = std::min(known.Back, most - front);
+    const TPieces shown = Between({bytes(0, gap), bytes(gap, size)}, front, size - back);
+    const TPieces ours = Between(text.Chunks(), front, text.Size() - back);
+    const std::size_t more = Common<true>(shown, ours);
+    back += std::min(Common<false>(shown, ours), most - front - back - more);
+    front += more;
     // Only screen readers are told of it, by where it is in characters: all before it are counted.
     const long told = Ask(QsciScintilla::SCI_GETMODEVENTMASK);
     if (!QAccessible::isActive()) Tell(QsciScintilla::SCI_SETMODEVENTMASK, 0);
-    View().SendScintilla(QsciScintilla::SCI_SETTARGETRANGE, front, static_cast<long>(size - back));
-    View().SendScintilla(QsciScintilla::SCI_REPLACETARGET, middle.size(), middle.data());
+    Tell(QsciScintilla::SCI_DELETERANGE, static_cast<long>(front),
+         static_cast<long>(size - back - front));
+    document.Revision.reset();
+    if (Insert(text, front, text.Size() - back)) document.Revision = text.Revision();
     Tell(QsciScintilla::SCI_SETMODEVENTMASK, told);
-    document.Revision = buffer.Text().Revision();
+    return true;
+}
+
+/// Inserts the bytes from..to of the buffer's text, a long piece in slices; false when that is
+/// given up. The last slice comes first: so the widget's memory is ready for keys at the start, and
+/// is not moved as a whole by the first one.
+bool TEditorMirror::Insert(const TEditText& text, std::size_t from, std::size_t to) {
+    constexpr std::size_t slice = 2 << 20;
+    const bool isLong = to - from > slice;
+    if (isLong) Tell(QsciScintilla::SCI_ALLOCATE, static_cast<long>(text.Size() + slice));
+    for (std::size_t left = to; left > from;) {
+        const std::size_t count = std::min(left - from, slice);
+        const std::string piece = text.Text(left - count, left);
+        View().SendScintilla(QsciScintilla::SCI_SETTARGETRANGE, from, static_cast<long>(from));
+        View().SendScintilla(QsciScintilla::SCI_REPLACETARGET, count, piece.data());
+        left -= count;
+        if (isLong && OnFill && !OnFill(to - left, to - from)) return false;
+    }
     return true;
 }
 

@@ -32,6 +32,11 @@ public:
     TEditorMirror(TFrontEnd& frontEnd, TControl& control);
     ~TEditorMirror() override;
 
+    /// Gets how many bytes of a long text are shown so far. With false the rest is shown another
+    /// time.
+    using TFillStep = std::function<bool(std::uint64_t done, std::uint64_t size)>;
+    TFillStep OnFill;
+
     QsciScintilla& View() const { return static_cast<QsciScintilla&>(*Widget()); }
     /// Shows what the buffer has become, or takes what the user has done in the widget.
     void Follow();
@@ -76,6 +81,7 @@ private:
     bool Agrees() const;
     void ShowBuffer(TSourceBuffer* buffer);
     bool ShowText(TSourceBuffer& buffer, TDocument& document);
+    bool Insert(const TEditText& text, std::size_t from, std::size_t to);
     void ShowSelection(const TSourceBuffer& buffer);
     void ShowColumns(const TSourceBuffer& buffer);
     void ShowPlace(TSourceView& source, TDocument& document, bool moved, bool another);

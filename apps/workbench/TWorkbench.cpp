@@ -1,37 +1,133 @@
 #include "TWorkbench.h"
 
 #include "Source/TSourceBuffer.h"
+#include "TEditorMirror.h"
 #include "TFormMirror.h"
+#include "TOpenProgress.h"
+#include "rtl/EAbort.h"
+#include "rtl/ReadProgress.h"
+#include "rtl/SysUtils.h"
 #include "vcl/Dialogs.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
+#include <QSessionManager>
+#include <QStatusBar>
+
+#include <array>
+#include <filesystem>
+#include <fstream>
 
 namespace tarn {
+namespace fs = std::filesystem;
+
+// --- Commands ---------------------------------------------------------------------------------
+
 namespace {
 
 constexpr TVirtualKey VK_F3 = 0x72, VK_F4 = 0x73;
 
 } // namespace
 
-TWorkbench::TWorkbench(TSession& session) : FSession(session), FFrontEnd(session) {
+/// A command of the desktop: an item of the IDE's menu that has none there, or one more behind an
+/// item.
+struct TWorkbench::TCommandRow {
+    std::string_view Item;
+    std::string_view Behind;  ///< the item before a new one; empty for one of the IDE's
+    std::string_view Caption; ///< of a new one
+    TShortCut ShortCut;
+    TRun Run;
+    bool NeedsFile;
+};
+
+constexpr TWorkbench::TCommandRow TWorkbench::CommandRows[] = {
+    {"FileOpenItem", "", "", scCtrl | 'O', &TWorkbench::OpenFiles, false},
+    {"FileSaveAsItem", "FileSaveItem", "Save &As...", 0, &TWorkbench::SaveAs, true},
+    {"FileExitItem", "", "", scAlt | VK_F4, &TWorkbench::Leave, false},
+    {"SearchFindItem", "", "", scCtrl | 'F', &TWorkbench::Find, true},
+    {"SearchAgainItem", "", "", VK_F3, &TWorkbench::FindAgain, true},
+    {"SearchBackItem", "SearchAgainItem", "Search Again &Backwards", scShift | VK_F3,
+     &TWorkbench::FindBefore, true},
+    {"SearchGoToItem", "", "", scCtrl | 'G', &TWorkbench::GoToLine, true},
+    {"HelpAboutItem", "", "", 0, &TWorkbench::ShowAbout, false},
+};
+
+class TWorkbench::TCommand : public TAction {
+public:
+    TCommand(TWorkbench& workbench, const TCommandRow& row) : FWorkbench(workbench), FRow(row) {
+        OnExecute = TNotifyEvent::Of<&TCommand::DoExecute>(this);
+        OnUpdate = TNotifyEvent::Of<&TCommand::DoUpdate>(this);
+        SetShortCut(row.ShortCut);
+        SetEnabled(!row.NeedsFile);
+    }
+
+private:
+    void DoExecute(TObject*) { (FWorkbench.*FRow.Run)(); }
+    void DoUpdate(TObject*) {
+        SetEnabled(!FRow.NeedsFile || FWorkbench.FSession.Ide().CurrentBuffer());
+    }
+
+    TWorkbench& FWorkbench;
+    const TCommandRow& FRow;
+};
+
+void TWorkbench::AddCommand(const TCommandRow& row) {
+    TIdeMainForm& form = FSession.Ide().MainForm();
+    const auto find = [&](std::string_view name) {
+        return dynamic_cast<TMenuItem*>(form.FindComponent(name));
+    };
+    TMenuItem* item = find(row.Item);
+    if (!item) {
+        TMenuItem* const behind = find(row.Behind);
+        if (!behind) return;
+        item = new TMenuItem(&form);
+        item->SetName(row.Item);
+        item->SetCaption(row.Caption);
+        behind->Parent()->Insert(behind->MenuIndex() + 1, item);
+    }
+    TCommand& command = *FCommands.emplace_back(std::make_unique<TCommand>(*this, row));
+    command.SetCaption(item->Caption());
+    command.SetActionList(&form.ActionList());
+    item->SetAction(&command);
+}
+
+TWorkbench::TWorkbench(TSession& session)
+    : FSession(session), FFrontEnd(session), FFinder(session.Ide(), Window()) {
     Application()->OnModal = TMethod<void(TForm&)>::Of<&TFrontEnd::RunModal>(&FFrontEnd);
-    AddCommand("FileOpenItem", scCtrl | 'O', TNotifyEvent::Of<&TWorkbench::OpenFiles>(this));
-    AddCommand("FileExitItem", scAlt | VK_F4, TNotifyEvent::Of<&TWorkbench::Leave>(this));
-    AddCommand("SearchFindItem", scCtrl | 'F', TNotifyEvent::Of<&TWorkbench::Find>(this));
-    AddCommand("SearchAgainItem", VK_F3, TNotifyEvent::Of<&TWorkbench::FindAgain>(this));
-    AddCommand("SearchGoToItem", scCtrl | 'G', TNotifyEvent::Of<&TWorkbench::GoToLine>(this));
-    AddCommand("HelpAboutItem", 0, TNotifyEvent::Of<&TWorkbench::ShowAbout>(this));
+    for (const TCommandRow& row : CommandRows) AddCommand(row);
+    FSession.Ide().Modules().OnOverwrite = [this](const TSourceBuffer& buffer) {
+        return MayOverwrite(buffer);
+    };
     // The pack's posted messages, and the state of its commands.
     connect(&FIdle, &QTimer::timeout, this, [this] { FFrontEnd.Pump(); });
     FIdle.start(50);
+    connect(&FRecoveryTimer, &QTimer::timeout, this,
+            [this] { FollowRecovery(TRecovery::TTime::clock::now()); });
+    connect(qApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager& manager) {
+        const bool mayAsk = manager.allowsInteraction();
+        if (!EndSession(mayAsk)) manager.cancel();
+        if (mayAsk) manager.release();
+    });
+}
+
+TWorkbench::~TWorkbench() {
+    FSession.Ide().Modules().OnOverwrite = nullptr;
+    if (FRecovery) FRecovery->WriteNow(FSession.Ide().EditWindow().LoadedBuffers());
 }
 
 QMainWindow& TWorkbench::Window() {
     FFrontEnd.Flush();
     return static_cast<QMainWindow&>(*FFrontEnd.WidgetOf(FSession.Ide().MainForm()));
+}
+
+TEditorMirror& TWorkbench::EditorMirror() {
+    FFrontEnd.Flush();
+    return static_cast<TEditorMirror&>(*FFrontEnd.MirrorOf(FSession.Ide().EditWindow().Editor()));
 }
 
 void TWorkbench::Start() {
@@ -40,97 +136,208 @@ void TWorkbench::Start() {
     QMainWindow& window = Window();
     window.setAcceptDrops(true);
     window.installEventFilter(this);
+    EditorMirror().View().viewport()->installEventFilter(this);
     window.show();
 }
 
-/// Gives an item of the IDE's menu, which has no command there, one of the desktop's.
-void TWorkbench::AddCommand(std::string_view name, TShortCut shortCut, TNotifyEvent execute) {
-    TIdeMainForm& form = FSession.Ide().MainForm();
-    auto* const item = dynamic_cast<TMenuItem*>(form.FindComponent(name));
-    if (!item) return;
-    item->OnClick = execute;
-    item->SetEnabled(true);
-    item->SetShortCut(shortCut);
+void TWorkbench::Leave() {
+    Window().close();
+}
+
+void TWorkbench::ShowAbout() {
+    FSession.OS().MessageBox(0, "TarnExperts in an embedded IDE, version " TARN_VERSION,
+                             Application()->Title, MB_OK | MB_ICONINFORMATION);
 }
 
 // --- Files ------------------------------------------------------------------------------------
 
-void TWorkbench::Open(const QString& fileName) {
-    FFrontEnd.AsUser([&] {
-        const QString extension = QFileInfo(fileName).suffix().toLower();
-        static const QStringList projects = {"dpr", "dpk", "bpr", "bpk", "bpg"};
-        TModuleList& modules = FSession.Ide().Modules();
-        if (projects.contains(extension))
-            modules.OpenProject(ToText(fileName));
-        else
-            modules.OpenFile(ToText(fileName));
-    });
+namespace {
+
+/// Refuses a file that is no text: bytes of a program or a picture are nothing to edit.
+void RequireText(const std::string& fileName) {
+    std::error_code error;
+    if (!fs::is_regular_file(fileName, error)) return; // opening it says what is wrong
+    std::array<char, 8000> start{};
+    std::ifstream stream(fileName, std::ios::binary);
+    stream.read(start.data(), start.size());
+    const std::string_view bytes(start.data(), static_cast<std::size_t>(stream.gcount()));
+    if (bytes.find('\0') != bytes.npos)
+        throw Exception(Format("cannot open %s: a binary file, not a text", {fileName}));
 }
 
-void TWorkbench::OpenFiles(TObject*) {
-    TOpenDialog dialog;
-    dialog.Filter = "Sources (*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpg)|"
-                    "*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpk;*.bpg|All files (*.*)|*.*";
-    if (dialog.Execute()) Open(FromText(dialog.FileName));
+bool IsProject(const std::string& fileName) {
+    static const QStringList projects = {"dpr", "dpk", "bpr", "bpk", "bpg"};
+    return projects.contains(QFileInfo(FromText(fileName)).suffix().toLower());
 }
 
-void TWorkbench::Leave(TObject*) {
-    Window().close();
+} // namespace
+
+void TWorkbench::Open(const std::string& fileName) {
+    if (!FIdle.isActive()) return; // dropped while another one is being opened
+    FIdle.stop();
+    FFrontEnd.AsUser([&] { OpenWatched(fileName); });
+    FIdle.start();
 }
 
-bool TWorkbench::eventFilter(QObject* object, QEvent* event) {
-    if (event->type() == QEvent::DragEnter) {
-        auto* const drag = static_cast<QDragEnterEvent*>(event);
-        if (!drag->mimeData()->hasUrls()) return false;
-        drag->acceptProposedAction();
-        return true;
+void TWorkbench::OpenWatched(const std::string& fileName) {
+    TIde& ide = FSession.Ide();
+    TModuleList& modules = ide.Modules();
+    if (IsProject(fileName)) {
+        modules.OpenProject(fileName);
+        return;
     }
-    if (event->type() != QEvent::Drop) return QObject::eventFilter(object, event);
-    for (const QUrl& url : static_cast<QDropEvent*>(event)->mimeData()->urls())
-        if (url.isLocalFile()) Open(url.toLocalFile());
+    RequireText(fileName);
+    TEditorMirror& editor = EditorMirror();
+    TOpenProgress progress(&Window(), FromText(fileName));
+    const TWeak<TSourceBuffer> before(ide.CurrentBuffer());
+    const bool wasOpen = modules.Find(fileName) != nullptr;
+    const auto step = [&](TOpenProgress::TPart part) {
+        return [&progress, part](std::uint64_t done, std::uint64_t size) {
+            return progress.Step(part, done, size);
+        };
+    };
+    TIdeModule* opened = nullptr;
+    {
+        const TScopedReadProgress reading(step(TOpenProgress::opRead));
+        opened = &modules.OpenFile(fileName);
+    }
+    const TScopedValue<TEditorMirror::TFillStep> showing(editor.OnFill,
+                                                         step(TOpenProgress::opShow));
+    FFrontEnd.Flush();
+    if (!progress.IsGivenUp() || wasOpen) return;
+    modules.Close(*opened, true);
+    if (before) before->Show();
+    throw EAbort("opening " + fileName + " was given up");
+}
+
+void TWorkbench::OpenFiles() {
+    TOpenDialog dialog;
+    dialog.Filter = "Sources (*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpk;*.bpg)|"
+                    "*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpk;*.bpg|All files (*.*)|*.*";
+    if (dialog.Execute()) Open(dialog.FileName);
+}
+
+void TWorkbench::SaveAs() {
+    TIdeModule& module = FSession.Ide().CurrentBuffer()->Module();
+    TSaveDialog dialog;
+    dialog.FileName = module.FileName();
+    dialog.DefaultExt = ExtractFileExt(module.FileName());
+    dialog.Filter = "Sources (*.pas;*.cpp;*.h)|*.pas;*.cpp;*.h|All files (*.*)|*.*";
+    if (dialog.Execute()) module.SaveAs(dialog.FileName);
+}
+
+bool TWorkbench::MayOverwrite(const TSourceBuffer& buffer) {
+    return FSession.OS().MessageBox(
+               Application()->Handle(),
+               Format("%s was changed or deleted by another program since it was read.\n\n"
+                      "Write over that?",
+                      {buffer.FileName()}),
+               Application()->Title, MB_YESNO | MB_ICONWARNING) == IDYES;
+}
+
+/// Files that are dropped on the window, or on the editor, which would take them for a text.
+bool TWorkbench::eventFilter(QObject* object, QEvent* event) {
+    const QEvent::Type type = event->type();
+    if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop)
+        return QObject::eventFilter(object, event);
+    auto* const drop = static_cast<QDropEvent*>(event);
+    if (!drop->mimeData()->hasUrls()) return false;
+    drop->acceptProposedAction();
+    if (type != QEvent::Drop) return true;
+    // The program that they come from waits for the end of the event, not for message boxes.
+    QTimer::singleShot(0, this, [this, urls = drop->mimeData()->urls()] {
+        for (const QUrl& url : urls)
+            Open(ToText(url.isLocalFile() ? url.toLocalFile() : url.toDisplayString()));
+    });
     return true;
 }
 
-// --- Search -----------------------------------------------------------------------------------
+// --- Recovery ---------------------------------------------------------------------------------
 
-bool TWorkbench::FindFrom(TTextPos from) {
-    TSourceBuffer* const buffer = FSession.Ide().CurrentBuffer();
-    if (!buffer || FSought.empty()) return false;
-    const std::string text = buffer->Text().Text();
-    std::size_t at = text.find(FSought, buffer->Text().OffsetAt(from));
-    if (at == std::string::npos) at = text.find(FSought); // from the top
-    if (at == std::string::npos) return false;
-    buffer->View()->Select(buffer->Text().PosAt(at), buffer->Text().PosAt(at + FSought.size()));
+void TWorkbench::KeepRecovery(const std::string& root) {
+    try {
+        FRecovery = std::make_unique<TRecovery>(root);
+    } catch (const EInOutError& error) {
+        ShowRecoveryError(error.what());
+        return;
+    }
+    const std::vector<std::string> left = FRecovery->TakeLeft();
+    if (!left.empty()) OfferLeft(left);
+    FRecoveryTimer.start(1000);
+}
+
+void TWorkbench::FollowRecovery(TRecovery::TTime now) {
+    if (!FRecovery) return;
+    FRecovery->Follow(FSession.Ide().EditWindow().LoadedBuffers(), now);
+    ShowRecoveryError(FRecovery->Error());
+}
+
+/// Shows an error once: a box each time would keep the user from saving.
+void TWorkbench::ShowRecoveryError(const std::string& error) {
+    if (error == FShownError) return;
+    FShownError = error;
+    if (error.empty())
+        Window().statusBar()->clearMessage();
+    else
+        Window().statusBar()->showMessage(
+            FromText("What is typed is not safe from a crash: " + error));
+}
+
+namespace {
+
+/// A recovery file in a line: its source, and when it was written.
+QString LineOf(const std::string& file) {
+    const QString time =
+        QLocale().toString(QFileInfo(FromText(file)).lastModified(), QLocale::ShortFormat);
+    try {
+        const TRecoveryCopy copy = ReadRecovery(file, false);
+        const auto now = IdentityOf(copy.FileName);
+        const char* const state = !now                   ? " (the file is gone)"
+                                  : now != copy.Identity ? " (the file has changed since)"
+                                                         : "";
+        return FromText(copy.FileName) + ", " + time + state;
+    } catch (const std::exception& error) {
+        return FromText(error.what());
+    }
+}
+
+} // namespace
+
+void TWorkbench::OfferLeft(const std::vector<std::string>& files) {
+    QStringList lines;
+    for (const std::string& file : files) lines << LineOf(file);
+    QMessageBox box(QMessageBox::Warning, FromText(Application()->Title),
+                    "The program has ended before changes of these files were saved:\n\n" +
+                        lines.join('\n'),
+                    QMessageBox::NoButton, &Window());
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText("Restored changes are not saved yet, and can be undone.");
+    QPushButton* const restore = box.addButton("&Restore", QMessageBox::AcceptRole);
+    QPushButton* const later = box.addButton("Ask &Later", QMessageBox::RejectRole);
+    QPushButton* const discard = box.addButton("&Discard", QMessageBox::DestructiveRole);
+    box.setDefaultButton(restore);
+    box.setEscapeButton(later);
+    box.exec();
+    if (box.clickedButton() == restore) Restore(files);
+    if (box.clickedButton() == discard)
+        for (const std::string& file : files) TRecovery::Discard(file);
+}
+
+/// Each file is a command of its own: what cannot be restored keeps nothing else from it.
+void TWorkbench::Restore(const std::vector<std::string>& files) {
+    for (const std::string& file : files)
+        FFrontEnd.AsUser([&] { FRecovery->Restore(FSession.Ide().Modules(), file); });
+}
+
+bool TWorkbench::EndSession(bool mayAsk) {
+    bool ends = !mayAsk; // and so when saving fails
+    if (mayAsk) FFrontEnd.AsUser([&] { ends = FSession.Ide().Modules().MayCloseAll(); });
+    if (!FRecovery || !ends) return ends;
+    if (mayAsk)
+        FRecovery->Forget(); // what is not saved by now is not wanted
+    else
+        FRecovery->WriteNow(FSession.Ide().EditWindow().LoadedBuffers());
     return true;
-}
-
-void TWorkbench::Find(TObject*) {
-    TSourceView* const view = FSession.Ide().CurrentView();
-    if (!view) return;
-    if (view->HasBlock() && view->BlockStart().Row == view->BlockEnd().Row)
-        FSought = view->BlockText();
-    if (InputQuery("Find", "Text to find:", FSought) && !FindFrom(view->Cursor()))
-        FSession.OS().MessageBox(0, "\"" + FSought + "\" was not found", Application()->Title,
-                                 MB_OK | MB_ICONINFORMATION);
-}
-
-void TWorkbench::FindAgain(TObject* sender) {
-    TSourceView* const view = FSession.Ide().CurrentView();
-    if (!view) return;
-    if (FSought.empty()) return Find(sender);
-    FindFrom(view->BlockEnd());
-}
-
-void TWorkbench::GoToLine(TObject*) {
-    TSourceView* const view = FSession.Ide().CurrentView();
-    std::string text;
-    if (!view || !InputQuery("Go to Line Number", "Line:", text)) return;
-    view->GoTo({StrToInt(text), 1});
-}
-
-void TWorkbench::ShowAbout(TObject*) {
-    FSession.OS().MessageBox(0, "TarnExperts in an embedded IDE, version " TARN_VERSION,
-                             Application()->Title, MB_OK | MB_ICONINFORMATION);
 }
 
 } // namespace tarn

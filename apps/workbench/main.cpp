@@ -10,21 +10,29 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <unistd.h>
 
 namespace tarn {
 namespace {
 
 namespace fs = std::filesystem;
 
+int Report(int exitCode, std::string_view message) {
+    std::cout.flush();
+    std::cerr << "tarn-workbench: " << message << '\n';
+    return exitCode;
+}
+
+// --- Scripts ----------------------------------------------------------------------------------
+
 int PlayScript(const std::string& file, const std::string& pictures) {
     std::ifstream stream(file, std::ios::binary);
-    if (!stream) {
-        std::cerr << "cannot read " << file << "\n";
-        return 3;
-    }
+    if (!stream || fs::is_directory(file)) return Report(ExitIO, "cannot read " + file);
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
     TScript script(fs::absolute(file).parent_path(),
                    [](std::string_view line) { std::cout << line; });
@@ -46,45 +54,131 @@ int PlayScript(const std::string& file, const std::string& pictures) {
     try {
         script.Play(text);
     } catch (const EScriptError& error) {
-        std::cerr << file << ":" << error.what() << "\n";
-        return error.ExitCode();
+        return Report(error.ExitCode(), file + ":" + error.what());
     }
-    return 0;
+    return ExitDone;
 }
 
-int Main(int argc, char** argv) {
-    CLI::App options("The TarnExperts pack in an IDE with windows.", "tarn-workbench");
-    std::vector<std::string> files;
-    std::string script, pictures, packageDir;
-    TTheme theme = thSystem;
-    options.add_option("FILE", files, "Files, projects and groups to open");
-    options.add_option("--script", script, "Play a script of IDE actions, and end");
-    options.add_option("--screenshots", pictures, "Folder for the pictures that a script takes");
-    options.add_option("--package-dir", packageDir, "Folder of the pack's settings");
-    options.add_option("--theme", theme, "Colours of the windows; system: those of the desktop")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, TTheme>{
-            {"system", thSystem}, {"light", thLight}, {"dark", thDark}}));
-    CLI11_PARSE(options, argc, argv);
-    ApplyTheme(theme);
-    if (!script.empty()) return PlayScript(script, pictures);
+// --- The program ------------------------------------------------------------------------------
 
+struct TOptions {
+    std::vector<std::string> Files;
+    std::string Script;
+    std::string Pictures;
+    std::string PackageDir;
+    TTheme Theme = thSystem;
+};
+
+/// The folder of all recovery files: beside the pack's settings, or with the user's own when that
+/// may not be written to, as where a whole machine shares the program.
+std::string RecoveryFolder(const fs::path& package) {
+    const fs::path registry(TPortableOS::UserRegistryFile());
+    const bool shared = ::access(package.c_str(), W_OK) != 0 && !registry.empty();
+    return ((shared ? registry.parent_path() : package) / "Recovery").string();
+}
+
+int Run(const TOptions& options) {
+    const fs::path package = PackageFolder(options.PackageDir);
     TQtDialogs dialogs;
     TSession session(&dialogs);
-    session.OS().SetModuleFileName((PackageFolder(packageDir) / "package").string());
+    session.OS().SetModuleFileName((package / "package").string());
     session.OS().SetRegistryFile(TPortableOS::UserRegistryFile());
     session.LetPackSave();
     TWorkbench workbench(session);
     workbench.Start();
-    for (const std::string& file : files) workbench.Open(FromText(file));
-    const int result = QApplication::exec();
+    workbench.KeepRecovery(RecoveryFolder(package));
+    for (const std::string& file : options.Files) workbench.Open(file);
+    QApplication::exec();
     session.StopPack();
-    return result;
+    return ExitDone;
+}
+
+/// Parts the arguments of Qt, which are words with one dash such as "-platform NAME", from those of
+/// the program.
+std::vector<char*> TakeQtArguments(std::vector<char*>& args) {
+    std::vector<char*> taken;
+    for (std::size_t i = 1; i < args.size();) {
+        const std::string_view word = args[i];
+        if (word == "--") break;
+        const bool isQt = word.size() > 2 && word[0] == '-' && word[1] != '-';
+        const bool hasValue = word != "-reverse" && word.find('=') == word.npos;
+        for (int count = !isQt ? 0 : hasValue ? 2 : 1; count > 0 && i < args.size(); --count) {
+            taken.push_back(args[i]);
+            args.erase(args.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        if (!isQt) ++i;
+    }
+    return taken;
+}
+
+QtMessageHandler ShowOtherMessage = nullptr;
+
+/// Qt would end the program by a signal when it finds no display.
+void TakeQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    if (type != QtFatalMsg) return ShowOtherMessage(type, context, text);
+    const QString reason = text.section('\n', 0, 0);
+    std::_Exit(Report(ExitIO, "no display: " + reason.toStdString()));
+}
+
+/// Whether there is something to show windows on, as far as the environment tells.
+bool HasDisplay(const std::vector<char*>& qtArgs) {
+    const auto isSet = [](const char* name) {
+        const char* const value = std::getenv(name);
+        return value && *value;
+    };
+    const bool chosen = std::any_of(qtArgs.begin(), qtArgs.end(), [](std::string_view word) {
+        return word.starts_with("-platform");
+    });
+    return chosen || isSet("QT_QPA_PLATFORM") || isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");
+}
+
+int Main(int argc, char** argv) {
+    CLI::App app("The TarnExperts pack in an IDE with windows.", "tarn-workbench");
+    app.set_version_flag("--version", std::string("tarn-workbench ") + TARN_VERSION);
+    TOptions options;
+    app.add_option("FILE", options.Files, "Files, projects and groups to open");
+    app.add_option("--script", options.Script, "Play a script of IDE actions, and end");
+    app.add_option("--screenshots", options.Pictures,
+                   "Folder for the pictures that a script takes");
+    app.add_option("--package-dir", options.PackageDir, "Folder of the pack's settings")
+        ->envname("TARN_PACKAGE_DIR");
+    app.add_option("--theme", options.Theme,
+                   "Colours of the windows, light or dark; system for those of the desktop")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, TTheme>{
+            {"system", thSystem}, {"light", thLight}, {"dark", thDark}}))
+        ->type_name("THEME");
+
+    std::vector<char*> args(argv, argv + argc);
+    std::vector<char*> qtArgs = TakeQtArguments(args);
+    try {
+        app.parse(static_cast<int>(args.size()), args.data());
+    } catch (const CLI::Success& success) {
+        return app.exit(success); // help and version
+    } catch (const CLI::ParseError& error) {
+        return Report(ExitUsage, error.what());
+    }
+    if (!HasDisplay(qtArgs))
+        return Report(ExitIO, "no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
+
+    qtArgs.insert(qtArgs.begin(), argv[0]);
+    int qtCount = static_cast<int>(qtArgs.size());
+    qtArgs.push_back(nullptr);
+    ShowOtherMessage = qInstallMessageHandler(TakeQtMessage);
+    const QApplication application(qtCount, qtArgs.data());
+    if (qtCount > 1) return Report(ExitUsage, "unknown option " + std::string(qtArgs[1]));
+    ApplyTheme(options.Theme);
+    try {
+        return options.Script.empty() ? Run(options) : PlayScript(options.Script, options.Pictures);
+    } catch (const EScriptError& error) {
+        return Report(error.ExitCode(), error.what());
+    } catch (const std::exception& error) {
+        return Report(ExitIO, error.what());
+    }
 }
 
 } // namespace
 } // namespace tarn
 
 int main(int argc, char** argv) {
-    const QApplication application(argc, argv);
     return tarn::Main(argc, argv);
 }

@@ -102,6 +102,66 @@ TEST_F(ModulesTest, AFileThatIsNotModifiedIsNotWritten) {
     EXPECT_EQ(Read("Unit1.pas") + Read("Other.pas"), "somebody else'sx");
 }
 
+TEST_F(ModulesTest, SomebodyElsesChangesAreWrittenOverWhenThatIsAllowed) {
+    for (const bool allowed : {false, true}) {
+        TSourceBuffer& buffer = OpenText("abc").Buffer();
+        Ide->TypeText("x");
+        Write("Unit1.pas", "somebody else's");
+        Ide->Modules().OnOverwrite = [&](const TSourceBuffer& asked) {
+            EXPECT_EQ(&asked, &buffer);
+            return allowed;
+        };
+        EXPECT_EQ(Ide->RunCommand([&] { buffer.Save(); }), allowed);
+        EXPECT_EQ(Read("Unit1.pas"), allowed ? "xabc" : "somebody else's");
+        EXPECT_EQ(buffer.Modified(), !allowed);
+        Ide->Modules().CloseAll(true);
+    }
+    EXPECT_EQ(Boxes(), Strings{}); // who has refused it knows
+}
+
+TEST_F(ModulesTest, TextsThatWereTypedBeforeACrash) {
+    constexpr auto text = "begin\n  A;\nend.\n";
+    const struct {
+        const char* Case;
+        std::optional<std::string_view> Then, Now; ///< the file when it was read, and now
+        const char* AfterUndo;
+        bool Modified, Saved;
+    } cases[] = {
+        {"the file is as it was", "begin\nend.\n", "begin\nend.\n", "begin\nend.\n", true, true},
+        {"the file has changed", "begin\nend.\n", "begin B; end.\n", "begin B; end.\n", true,
+         false},
+        {"the file is gone", "begin\nend.\n", {}, "", true, false},
+        {"there never was a file", {}, {}, "", true, true},
+        {"the text was saved after all", "begin\nend.\n", text, text, false, true},
+    };
+    for (const auto& [name, then, now, afterUndo, modified, saved] : cases) {
+        SCOPED_TRACE(name);
+        const std::string file = Path("Unit1.pas");
+        std::optional<TFileIdentity> identity;
+        if (then) identity = IdentityOf(Write("Unit1.pas", *then));
+        if (now != then) std::filesystem::remove(file);
+        if (now && now != then) Write("Unit1.pas", *now);
+        TSourceBuffer* buffer = nullptr;
+        Ide->RunCommand([&] { buffer = &Ide->Modules().Recover(file, text, identity); });
+        EXPECT_EQ(Ide->CurrentBuffer(), buffer);
+        EXPECT_EQ(buffer->Text().Text(), text);
+        EXPECT_EQ(buffer->Modified(), modified);
+        EXPECT_EQ(Ide->Undo(), modified); // one step
+        EXPECT_EQ(buffer->Text().Text(), afterUndo);
+        EXPECT_EQ(buffer->Modified(), modified && !now);
+        Ide->Redo();
+        // What somebody else has done to the file meanwhile is not lost unseen.
+        if (saved) {
+            buffer->Save();
+            EXPECT_EQ(Read("Unit1.pas"), text);
+        } else {
+            EXPECT_THROW(buffer->Save(), EFileError);
+        }
+        Ide->Modules().CloseAll(true);
+        std::filesystem::remove(file);
+    }
+}
+
 TEST_F(ModulesTest, FilesThatCannotBeOpened) {
     std::filesystem::create_directory(Path("folder.pas"));
     EXPECT_EQ(ErrorOf([&] { Ide->Modules().OpenFile(Path("none.pas")); }),
@@ -279,6 +339,29 @@ TEST_F(ModulesTest, ClosingAsks) {
     EXPECT_EQ(Boxes(), Strings(3, "Save changes to " + Path("Unit1.pas") + "?"));
     Ide->Modules().CloseAll(true);
     EXPECT_EQ(Boxes().size(), 3U);
+}
+
+TEST_F(ModulesTest, OneFileThatIsKeptOpenKeepsAllOpen) {
+    for (const char* const name : {"A.pas", "B.pas", "C.pas"}) {
+        OpenText("abc", name);
+        Ide->TypeText("x");
+    }
+    const Strings all = OpenModules();
+    // Not wanted, saved, kept open: from the last one on.
+    for (const TDialogAnswer answer : {IDNO, IDYES, IDCANCEL}) Os.QueueAnswer(answer);
+    EXPECT_FALSE(Ide->Modules().CloseAll());
+    EXPECT_EQ(OpenModules(), all);
+    EXPECT_EQ(Read("A.pas") + Read("B.pas") + Read("C.pas"), "abcxabcabc");
+    // The same where a file cannot be saved.
+    std::filesystem::remove(Path("A.pas"));
+    std::filesystem::create_directory(Path("A.pas"));
+    for (const TDialogAnswer answer : {IDNO, IDYES}) Os.QueueAnswer(answer);
+    EXPECT_THROW(Ide->Modules().CloseAll(), EFileError);
+    EXPECT_EQ(OpenModules(), all);
+    for (const TDialogAnswer answer : {IDNO, IDNO}) Os.QueueAnswer(answer);
+    EXPECT_TRUE(Ide->Modules().CloseAll());
+    EXPECT_EQ(OpenModules(), Strings{});
+    EXPECT_EQ(Read("C.pas"), "abc");
 }
 
 TEST_F(ModulesTest, SaveAsTakesTheFormAlong) {

@@ -455,9 +455,20 @@ private:
         EXPECT_EQ(view, FViews[FPresent]);
         Check();
     }
-    void Check() const {
-        ExpectIs(FText, FTexts[FPresent]);
+    void Check() {
+        const std::string& now = FTexts[FPresent];
+        ExpectIs(FText, now);
         EXPECT_EQ(FText.Modified(), FPresent > 0);
+        // Who follows the text looks only at what is not said to be unchanged.
+        const TUnchanged same = FText.UnchangedSince(FSeenAt);
+        const std::size_t most = std::min(now.size(), FSeen.size());
+        const std::size_t front = std::min(same.Front, most);
+        const std::size_t back = std::min(same.Back, most - front);
+        ASSERT_EQ(now.substr(0, front), FSeen.substr(0, front));
+        ASSERT_EQ(now.substr(now.size() - back), FSeen.substr(FSeen.size() - back));
+        if (FRandom() % 3 > 0) return;
+        FSeen = now;
+        FSeenAt = FText.Revision();
     }
 
     const TRandomEdits& FParam;
@@ -465,6 +476,8 @@ private:
     TLines FTexts; // after each step that stands or can be done again; the loaded one first
     std::vector<TViewState> FViews{{}};
     TEditText FText;
+    std::string FSeen; ///< by one who follows the text, and what it was called then
+    std::uint64_t FSeenAt = 0;
     std::size_t FPresent = 0;
     std::size_t FPlace = 0;
 };
@@ -486,6 +499,31 @@ TEST(TextStore, AgreesWithAPlainStringThroughEditsUndoAndRedo) {
             if (HasFailure()) return;
         }
     }
+}
+
+TEST(TextStore, TellsWhereItHasChangedSinceARevision) {
+    TEditText text(std::string(1000, 'a'));
+    constexpr TUnchanged nothing;
+    EXPECT_EQ(text.UnchangedSince(text.Revision()), nothing);
+    const std::uint64_t loaded = text.Revision();
+    text.Replace(100, 110, "bbb"); // from both ends: 100 and 890 bytes
+    const std::uint64_t first = text.Revision();
+    text.BeginGroup({});
+    for (int i = 0; i < 100; ++i) text.Replace(800, 800, "c");
+    text.Replace(500, 500, "d");
+    text.EndGroup({});
+    EXPECT_EQ(text.UnchangedSince(first), (TUnchanged{500, 193})); // the command's alone
+    EXPECT_EQ(text.UnchangedSince(loaded), (TUnchanged{100, 193}));
+    EXPECT_EQ(text.UnchangedSince(text.Revision()), nothing);
+    const std::uint64_t second = text.Revision();
+    TViewState view;
+    text.Undo(view);
+    EXPECT_EQ(text.UnchangedSince(second), (TUnchanged{500, 193}));
+    // Of what lies many commands back, less is said than is true; never more.
+    const std::uint64_t undone = text.Revision();
+    for (int i = 0; i < 40; ++i) text.Replace(900, 900, "e");
+    EXPECT_EQ(text.UnchangedSince(undone), (TUnchanged{0, 0}));
+    EXPECT_EQ(text.UnchangedSince(text.Revision() - 3), (TUnchanged{900, 130}));
 }
 
 } // namespace

@@ -99,6 +99,23 @@ TIdeModule& TModuleList::OpenUnit(std::string_view fileName) {
     return added;
 }
 
+TSourceBuffer& TModuleList::Recover(std::string_view fileName, std::string_view text,
+                                    const std::optional<TFileIdentity>& identity) {
+    const std::string name = NormalFileName(fileName);
+    TIdeModule* module = Find(name);
+    if (!module) {
+        auto made = std::make_unique<TIdeModule>(FIde, name);
+        made->Source().LoadOrMake();
+        made->AddSiblings(FFolders);
+        module = &Add(std::move(made));
+    }
+    TSourceBuffer& buffer = *module->FindSource(name);
+    buffer.LoadOrMake();
+    buffer.Show();
+    buffer.Recover(text, identity);
+    return buffer;
+}
+
 TIdeModule& TModuleList::OpenProject(std::string_view fileName) {
     const std::string name = NormalFileName(fileName);
     if (HasExtension(name, GroupExtensions)) return OpenGroup(name);
@@ -198,20 +215,41 @@ bool TModuleList::MayClose(TIdeModule& module) const {
     return true;
 }
 
-bool TModuleList::Close(TIdeModule& module, bool force) {
-    if (const auto* const group = ClassCast<TProjectGroupModule>(&module))
-        for (TProjectModule* project : group->Projects())
-            if (!Close(*project, force)) return false;
-    const TWeak<TIdeModule> alive(&module);
-    if (!force && !MayClose(module)) return false;
-    if (alive) Remove(module);
+/// All modules, the one that was opened last first.
+TModuleList::TSome TModuleList::FromTheLast() const {
+    TSome modules;
+    for (auto module = FModules.rbegin(); module != FModules.rend(); ++module)
+        modules.emplace_back(module->get());
+    return modules;
+}
+
+bool TModuleList::MayClose(const TSome& modules) const {
+    return std::all_of(modules.begin(), modules.end(),
+                       [this](const auto& module) { return !module || MayClose(*module); });
+}
+
+/// Closes modules once the user agrees to all of them; meanwhile each may be closed by others.
+bool TModuleList::CloseSome(const TSome& modules, bool force) {
+    if (!force && !MayClose(modules)) return false;
+    for (const auto& module : modules)
+        if (module) Remove(*module);
     return true;
 }
 
+bool TModuleList::Close(TIdeModule& module, bool force) {
+    TSome modules;
+    if (const auto* const group = ClassCast<TProjectGroupModule>(&module))
+        for (TProjectModule* const project : group->Projects()) modules.emplace_back(project);
+    modules.emplace_back(&module);
+    return CloseSome(modules, force);
+}
+
 bool TModuleList::CloseAll(bool force) {
-    while (!FModules.empty())
-        if (!Close(*FModules.back(), force)) return false;
-    return true;
+    return CloseSome(FromTheLast(), force);
+}
+
+bool TModuleList::MayCloseAll() {
+    return MayClose(FromTheLast());
 }
 
 /// The module leaves the list and the window first, so that whoever is told of the change finds

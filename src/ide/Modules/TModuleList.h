@@ -4,6 +4,8 @@
 #include "Modules/TProjectModule.h"
 #include "Modules/TSourceIndex.h"
 
+#include <functional>
+
 namespace tarn {
 
 /// What is open in the IDE, in the order of opening, and the commands on files. Each command
@@ -32,19 +34,35 @@ public:
     /// such a file are raised as "FILE:LINE: reason".
     TIdeModule& OpenProject(std::string_view fileName);
 
+    /// Opens a file with the text that was typed into `identity` of it and not saved, see
+    /// TSourceBuffer::Recover. A file that is gone by now is made anew when it is saved.
+    TSourceBuffer& Recover(std::string_view fileName, std::string_view text,
+                           const std::optional<TFileIdentity>& identity);
+
+    /// Whether a file that somebody else has changed since it was read may be written over. Without
+    /// it that is an error.
+    std::function<bool(const TSourceBuffer& buffer)> OnOverwrite;
+
     /// Saves what can be saved; the first error is raised afterwards.
     void SaveAll();
 
     /// Closes the module and, for a group, its projects. Unless forced, the user is asked about
-    /// each modified file; false when he kept it open. The module is gone otherwise.
+    /// each modified file first; false when he wants one kept open, and then all stay. The modules
+    /// are gone otherwise.
     bool Close(TIdeModule& module, bool force = false);
     bool CloseAll(bool force = false);
+    /// Asks about each modified file as CloseAll does, and closes nothing.
+    bool MayCloseAll();
 
 private:
     TIdeModule& Add(std::unique_ptr<TIdeModule> module);
     TProjectModule& AddProject(const std::string& name, TProjectFile project);
     TIdeModule& OpenGroup(const std::string& name);
+    using TSome = std::vector<TWeak<TIdeModule>>;
+    TSome FromTheLast() const;
     bool MayClose(TIdeModule& module) const;
+    bool MayClose(const TSome& modules) const;
+    bool CloseSome(const TSome& modules, bool force);
     void Remove(TIdeModule& module);
     /// Takes the module out of the list and hands it over.
     std::unique_ptr<TIdeModule> Take(TIdeModule& module);

@@ -3,6 +3,9 @@
 #include "Modules/TIdeModule.h"
 #include "Services/OtaEditors.h"
 #include "TIde.h"
+#include "rtl/EAbort.h"
+
+#include <algorithm>
 
 namespace tarn {
 
@@ -11,8 +14,21 @@ constinit const TClassRecord TSourceBuffer::ClassRecord{"TSourceBuffer", &TPersi
 void TSourceBuffer::Load() {
     if (IsLoaded()) return;
     TFileContents file = LoadFile(FileName());
-    FText.emplace(std::move(file.Bytes));
-    FIdentity = file.Identity;
+    Take(std::move(file.Bytes), file.Identity);
+}
+
+void TSourceBuffer::LoadOrMake() {
+    try {
+        Load();
+    } catch (const EFileError&) {
+        Take({}, std::nullopt);
+        FText->MarkModified();
+    }
+}
+
+void TSourceBuffer::Take(TGapBuffer<char> text, const std::optional<TFileIdentity>& identity) {
+    FText.emplace(std::move(text));
+    FIdentity = identity;
     FView = std::make_unique<TSourceView>(*this);
     // A file that a command opens takes part in that command from here on.
     if (Module().Ide().InCommand()) BeginCommand();
@@ -29,7 +45,15 @@ void TSourceBuffer::SetFileName(std::string_view value) {
 }
 
 void TSourceBuffer::Save() {
-    if (Modified()) Write(FileName(), FIdentity);
+    if (!Modified()) return;
+    try {
+        Write(FileName(), FIdentity);
+    } catch (const EFileError& error) {
+        const auto& mayOverwrite = Module().Ide().Modules().OnOverwrite;
+        if (error.Kind() != feChangedOnDisk || !mayOverwrite) throw;
+        if (!mayOverwrite(*this)) throw EAbort("not saved: " + error.Path());
+        Write(FileName(), std::nullopt);
+    }
 }
 
 void TSourceBuffer::SaveAs(std::string_view fileName) {
@@ -42,6 +66,22 @@ void TSourceBuffer::Write(const std::string& fileName,
     FIdentity = SaveFile(fileName, FText->Chunks(), expected);
     CloseGroup();
     FText->MarkSaved();
+}
+
+void TSourceBuffer::Recover(std::string_view text, const std::optional<TFileIdentity>& identity) {
+    const std::string old = FText->Text();
+    const auto front = static_cast<std::size_t>(
+        std::mismatch(old.begin(), old.end(), text.begin(), text.end()).first - old.begin());
+    if (front == old.size() && front == text.size()) return;
+    const auto back = static_cast<std::size_t>(
+        std::mismatch(old.rbegin(), old.rend() - static_cast<std::ptrdiff_t>(front), text.rbegin(),
+                      text.rend() - static_cast<std::ptrdiff_t>(front))
+            .first -
+        old.rbegin());
+    const TEditScope scope(*this);
+    FText->Replace(front, old.size() - back, text.substr(front, text.size() - back - front));
+    FView->GoTo(FText->PosAt(front));
+    FIdentity = identity;
 }
 
 // --- Undo -------------------------------------------------------------------------------------

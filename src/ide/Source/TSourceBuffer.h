@@ -24,6 +24,8 @@ public:
 
     /// Reads the file, once. Raises EFileError.
     void Load();
+    /// The same, but without a file that can be read the text is empty, and counts as modified.
+    void LoadOrMake();
     bool IsLoaded() const { return FText.has_value(); }
     /// Text and view of a loaded buffer.
     TEditText& Text() { return *FText; }
@@ -32,10 +34,18 @@ public:
 
     bool Modified() const override { return IsLoaded() && FText->Modified(); }
     /// Writes the text back when it was modified. Raises EFileError, also when the file was changed
-    /// by somebody else; then nothing has changed.
+    /// by somebody else and TModuleList::OnOverwrite does not allow to write over that; EAbort when
+    /// it was asked and refused. Then nothing has changed.
     void Save();
     /// Writes the text of a loaded buffer to another file, which is the buffer's own from then on.
     void SaveAs(std::string_view fileName);
+
+    /// The file as it was when it was read or saved; none for a text without a file.
+    const std::optional<TFileIdentity>& Identity() const { return FIdentity; }
+    /// Puts a text into the place of the loaded one, as one command: what was typed into `identity`
+    /// of the file and could not be saved. Saving it over another file than that is somebody else's
+    /// change written over. Nothing happens when the texts are the same.
+    void Recover(std::string_view text, const std::optional<TFileIdentity>& identity);
 
     /// Takes the last command back, or runs it again: text, cursor and block. False when there is
     /// none.
@@ -69,6 +79,7 @@ public:
     bool AutoIndent = true;
 
 private:
+    void Take(TGapBuffer<char> text, const std::optional<TFileIdentity>& identity);
     void OpenGroup();
     void CloseGroup();
     bool Step(bool (TEditText::*step)(TViewState&));

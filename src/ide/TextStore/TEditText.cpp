@@ -165,6 +165,7 @@ void TEditText::Record(std::size_t from, std::size_t to, std::size_t inserted) {
 }
 
 void TEditText::BeginGroup(const TViewState& before, TGroupKind kind) {
+    if (!FUndo.InGroup()) FChanges.BeginCommand();
     FUndo.BeginGroup(before, kind);
 }
 
@@ -180,6 +181,7 @@ bool TEditText::Undo(TViewState& view) {
     CheckNoGroup();
     TUndoStep* step = FUndo.NextUndo();
     if (step == nullptr) return false;
+    FChanges.BeginCommand();
     ApplyAll(step->Edits.rbegin(), step->Edits.rend(), [this](TTextEdit& edit) { Exchange(edit); });
     GiveBackMemory(*step);
     FUndo.Undone();
@@ -191,6 +193,7 @@ bool TEditText::Redo(TViewState& view) {
     CheckNoGroup();
     TUndoStep* step = FUndo.NextRedo();
     if (step == nullptr) return false;
+    FChanges.BeginCommand();
     ApplyAll(step->Edits.begin(), step->Edits.end(), [this](TTextEdit& edit) { Exchange(edit); });
     GiveBackMemory(*step);
     FUndo.Redone();
@@ -237,8 +240,8 @@ bool TEditText::ChangesNothing(const TTextEdit& edit) const {
 
 /// Tells the lines of an edit that ends at the gap.
 void TEditText::UpdateLines(std::size_t from, std::size_t oldTo) {
-    ++FRevision;
     const std::string_view head = View(FText.Front());
+    FChanges.Note(++FRevision, {.Front = from, .Back = Size() - head.size()});
     const bool lfFollows = head.size() < Size() && FText[head.size()] == '\n';
     FLines.Replaced(from, oldTo, head, lfFollows);
 }

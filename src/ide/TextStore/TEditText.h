@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TextStore/LineBreaks.h"
+#include "TextStore/TChangeLog.h"
 #include "TextStore/TGapBuffer.h"
 #include "TextStore/TLineIndex.h"
 #include "TextStore/TTextPos.h"
@@ -78,6 +79,9 @@ public:
 
     /// Another number after each change of the text, for those who follow it.
     std::uint64_t Revision() const { return FRevision; }
+    /// What the text has kept of the one with that revision. Exact for the last few commands and
+    /// cautious for what is older.
+    TUnchanged UnchangedSince(std::uint64_t revision) const { return FChanges.Since(revision); }
 
     /// Whether the text differs, by its steps, from the loaded or the saved one.
     bool Modified() const { return FUndo.Modified(); }
@@ -101,6 +105,7 @@ private:
     TLineIndex FLines;
     TLineBreak FLineBreak = lbCrLf;
     std::uint64_t FRevision = 0;
+    TChangeLog FChanges;
     TUndoLog FUndo;
 };
 

@@ -1,6 +1,8 @@
 #include "rtl/SafeFile.h"
 
 #include "rtl/DateUtils.h"
+#include "rtl/EAbort.h"
+#include "rtl/ReadProgress.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -88,14 +90,17 @@ TFileStatus StatusOf(const TOpenFile& file, const TTask& task) {
     return status;
 }
 
-/// Reads up to `count` bytes, fewer only at the end of the file.
+/// Reads up to `count` bytes, fewer only at the end of the file; in slices while somebody follows.
 std::size_t ReadUpTo(const TOpenFile& file, char* to, std::size_t count, const TTask& task) {
+    constexpr std::size_t slice = 1 << 20;
+    const TScopedReadProgress::TStep* const step = TScopedReadProgress::Current();
     std::size_t done = 0;
     while (done < count) {
-        std::size_t got = count - done;
+        std::size_t got = step ? std::min(count - done, slice) : count - done;
         task.Require(FileSystem().Read(file.Handle(), to + done, got));
         if (got == 0) break;
         done += got;
+        if (step && !(*step)(done, count)) throw EAbort("reading " + task.Path + " was given up");
     }
     return done;
 }

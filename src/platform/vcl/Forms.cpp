@@ -1,5 +1,6 @@
 #include "vcl/Forms.h"
 
+#include "rtl/EAbort.h"
 #include "rtl/SysUtils.h"
 #include "streaming/TFiler.h"
 #include "vcl/TButton.h"
@@ -251,10 +252,12 @@ TApplication::~TApplication() {
 
 namespace {
 
-/// Calls `take(const std::exception&)` with the exception that is being handled.
+/// Calls `take(const std::exception&)` with the exception that is being handled, unless a command
+/// was given up.
 template <class F> void TakeException(F&& take) {
     try {
         throw;
+    } catch (const EAbort&) { // NOLINT(bugprone-empty-catch): who gave up knows it
     } catch (const std::exception& error) {
         take(error);
     } catch (...) {
