@@ -1,5 +1,7 @@
 #include "TWorkbench.h"
 
+#include "Cpu.h"
+#include "Modules/FileNames.h"
 #include "Source/TSourceBuffer.h"
 #include "TEditorMirror.h"
 #include "TFormMirror.h"
@@ -17,6 +19,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QSessionManager>
+#include <QSettings>
 #include <QStatusBar>
 
 #include <array>
@@ -32,6 +35,8 @@ namespace {
 
 constexpr TVirtualKey VK_F3 = 0x72, VK_F4 = 0x73;
 
+const char* const PlaceKey = "MainWindow"; ///< in the file that the place is kept in
+
 } // namespace
 
 /// A command of the desktop: an item of the IDE's menu that has none there, or one more behind an
@@ -42,19 +47,21 @@ struct TWorkbench::TCommandRow {
     std::string_view Caption; ///< of a new one
     TShortCut ShortCut;
     TRun Run;
-    bool NeedsFile;
+    TNeed Need;
 };
 
 constexpr TWorkbench::TCommandRow TWorkbench::CommandRows[] = {
-    {"FileOpenItem", "", "", scCtrl | 'O', &TWorkbench::OpenFiles, false},
-    {"FileSaveAsItem", "FileSaveItem", "Save &As...", 0, &TWorkbench::SaveAs, true},
-    {"FileExitItem", "", "", scAlt | VK_F4, &TWorkbench::Leave, false},
-    {"SearchFindItem", "", "", scCtrl | 'F', &TWorkbench::Find, true},
-    {"SearchAgainItem", "", "", VK_F3, &TWorkbench::FindAgain, true},
+    {"FileOpenItem", "", "", scCtrl | 'O', &TWorkbench::OpenFiles, neNothing},
+    {"FileSaveAsItem", "FileSaveItem", "Save &As...", 0, &TWorkbench::SaveAs, neFile},
+    {"FileExitItem", "", "", scAlt | VK_F4, &TWorkbench::Leave, neNothing},
+    {"SearchFindItem", "", "", scCtrl | 'F', &TWorkbench::Find, neFile},
+    {"SearchAgainItem", "", "", VK_F3, &TWorkbench::FindAgain, neFile},
     {"SearchBackItem", "SearchAgainItem", "Search Again &Backwards", scShift | VK_F3,
-     &TWorkbench::FindBefore, true},
-    {"SearchGoToItem", "", "", scCtrl | 'G', &TWorkbench::GoToLine, true},
-    {"HelpAboutItem", "", "", 0, &TWorkbench::ShowAbout, false},
+     &TWorkbench::FindBefore, neFile},
+    {"SearchGoToItem", "", "", scCtrl | 'G', &TWorkbench::GoToLine, neFile},
+    {"ViewCpuWindowItem", "ViewToggleFormItem", "&CPU Window", scCtrl | scAlt | 'C', &TWorkbench::ShowCpu,
+     neStop},
+    {"HelpAboutItem", "", "", 0, &TWorkbench::ShowAbout, neNothing},
 };
 
 class TWorkbench::TCommand : public TAction {
@@ -63,18 +70,22 @@ public:
         OnExecute = TNotifyEvent::Of<&TCommand::DoExecute>(this);
         OnUpdate = TNotifyEvent::Of<&TCommand::DoUpdate>(this);
         SetShortCut(row.ShortCut);
-        SetEnabled(!row.NeedsFile);
+        SetEnabled(row.Need == neNothing);
     }
 
 private:
     void DoExecute(TObject*) { (FWorkbench.*FRow.Run)(); }
-    void DoUpdate(TObject*) {
-        SetEnabled(!FRow.NeedsFile || FWorkbench.FSession.Ide().CurrentBuffer());
-    }
+    void DoUpdate(TObject*) { SetEnabled(FWorkbench.Has(FRow.Need)); }
 
     TWorkbench& FWorkbench;
     const TCommandRow& FRow;
 };
+
+bool TWorkbench::Has(TNeed need) const {
+    TIde& ide = FSession.Ide();
+    return need == neNothing ||
+           (need == neFile ? ide.CurrentBuffer() != nullptr : ide.StoppedProgram() != nullptr);
+}
 
 void TWorkbench::AddCommand(const TCommandRow& row) {
     TIdeMainForm& form = FSession.Ide().MainForm();
@@ -116,6 +127,8 @@ TWorkbench::TWorkbench(TSession& session)
 }
 
 TWorkbench::~TWorkbench() {
+    if (!FPlaceFile.isEmpty())
+        QSettings(FPlaceFile, QSettings::IniFormat).setValue(PlaceKey, Window().saveGeometry());
     FSession.Ide().Modules().OnOverwrite = nullptr;
     if (FRecovery) FRecovery->WriteNow(FSession.Ide().EditWindow().LoadedBuffers());
 }
@@ -140,8 +153,18 @@ void TWorkbench::Start() {
     window.show();
 }
 
+void TWorkbench::KeepPlace(const std::string& file) {
+    FPlaceFile = FromText(file);
+    const QSettings settings(FPlaceFile, QSettings::IniFormat);
+    Window().restoreGeometry(settings.value(PlaceKey).toByteArray());
+}
+
 void TWorkbench::Leave() {
     Window().close();
+}
+
+void TWorkbench::ShowCpu() {
+    FSession.Ide().ShowCpuWindow();
 }
 
 void TWorkbench::ShowAbout() {
@@ -165,11 +188,6 @@ void RequireText(const std::string& fileName) {
         throw Exception(Format("cannot open %s: a binary file, not a text", {fileName}));
 }
 
-bool IsProject(const std::string& fileName) {
-    static const QStringList projects = {"dpr", "dpk", "bpr", "bpk", "bpg"};
-    return projects.contains(QFileInfo(FromText(fileName)).suffix().toLower());
-}
-
 } // namespace
 
 void TWorkbench::Open(const std::string& fileName) {
@@ -182,8 +200,13 @@ void TWorkbench::Open(const std::string& fileName) {
 void TWorkbench::OpenWatched(const std::string& fileName) {
     TIde& ide = FSession.Ide();
     TModuleList& modules = ide.Modules();
-    if (IsProject(fileName)) {
+    if (HasExtension(fileName, ProjectExtensions) || HasExtension(fileName, GroupExtensions)) {
         modules.OpenProject(fileName);
+        return;
+    }
+    static constexpr std::string_view recordings[] = {".cpu"};
+    if (HasExtension(fileName, recordings)) {
+        ide.StopAt(LoadStoppedProgram({.File = fileName}));
         return;
     }
     RequireText(fileName);
@@ -213,7 +236,8 @@ void TWorkbench::OpenWatched(const std::string& fileName) {
 void TWorkbench::OpenFiles() {
     TOpenDialog dialog;
     dialog.Filter = "Sources (*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpk;*.bpg)|"
-                    "*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpk;*.bpg|All files (*.*)|*.*";
+                    "*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpk;*.bpg|"
+                    "Recordings of stopped programs (*.cpu)|*.cpu|All files (*.*)|*.*";
     if (dialog.Execute()) Open(dialog.FileName);
 }
 

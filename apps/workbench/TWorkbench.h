@@ -27,8 +27,10 @@ public:
     QMainWindow& Window();
     /// Loads the pack and shows the main window.
     void Start();
-    /// Opens a file, a project or a group, as one command. What it raises is shown, a cancel of the
-    /// user leaves everything as it was.
+    /// Gives the main window the place that it had, and keeps it in that file at the end.
+    void KeepPlace(const std::string& file);
+    /// Opens a file, a project or a group, or a recording of a stopped program, as one command.
+    /// What it raises is shown, a cancel of the user leaves everything as it was.
     void Open(const std::string& fileName);
 
     /// Keeps what is typed in recovery files from now on, and asks about those that a crash has
@@ -47,12 +49,15 @@ protected:
 
 private:
     using TRun = void (TWorkbench::*)();
+    /// What a command cannot do without: nothing, an open file, a stopped program.
+    enum TNeed : std::uint8_t { neNothing, neFile, neStop };
     class TCommand;
     struct TCommandRow;
     static const TCommandRow CommandRows[];
 
     TEditorMirror& EditorMirror();
     void AddCommand(const TCommandRow& row);
+    bool Has(TNeed need) const;
     void OpenFiles();
     void SaveAs();
     void Leave();
@@ -60,6 +65,7 @@ private:
     void FindAgain() { FFinder.FindAgain(false); }
     void FindBefore() { FFinder.FindAgain(true); }
     void GoToLine() { FFinder.GoToLine(); }
+    void ShowCpu();
     void ShowAbout();
 
     void OpenWatched(const std::string& fileName);
@@ -72,6 +78,7 @@ private:
     TFrontEnd FFrontEnd;
     TFinder FFinder;
     std::vector<std::unique_ptr<TCommand>> FCommands;
+    QString FPlaceFile; ///< empty: the place is not kept
     QTimer FIdle;
     QTimer FRecoveryTimer;
     std::unique_ptr<TRecovery> FRecovery; ///< null while nothing is kept

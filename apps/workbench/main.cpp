@@ -69,12 +69,12 @@ struct TOptions {
     TTheme Theme = thSystem;
 };
 
-/// The folder of all recovery files: beside the pack's settings, or with the user's own when that
-/// may not be written to, as where a whole machine shares the program.
-std::string RecoveryFolder(const fs::path& package) {
+/// The folder for what the program keeps for its user: that of the pack's settings, or the user's
+/// own when that may not be written to, as where a whole machine shares the program.
+fs::path UserFolder(const fs::path& package) {
     const fs::path registry(TPortableOS::UserRegistryFile());
     const bool shared = ::access(package.c_str(), W_OK) != 0 && !registry.empty();
-    return ((shared ? registry.parent_path() : package) / "Recovery").string();
+    return shared ? registry.parent_path() : package;
 }
 
 int Run(const TOptions& options) {
@@ -85,8 +85,9 @@ int Run(const TOptions& options) {
     session.OS().SetRegistryFile(TPortableOS::UserRegistryFile());
     session.LetPackSave();
     TWorkbench workbench(session);
+    workbench.KeepPlace((UserFolder(package) / "Workbench.ini").string());
     workbench.Start();
-    workbench.KeepRecovery(RecoveryFolder(package));
+    workbench.KeepRecovery((UserFolder(package) / "Recovery").string());
     for (const std::string& file : options.Files) workbench.Open(file);
     QApplication::exec();
     session.StopPack();

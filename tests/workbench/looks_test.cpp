@@ -99,6 +99,39 @@ TEST_P(WorkbenchLooks, NothingIsCutOff) {
 INSTANTIATE_TEST_SUITE_P(All, WorkbenchLooks, testing::Values("English", "German", "Russian"),
                          [](const auto& info) { return info.param; });
 
+/// A language is chosen while windows are open: the experts are made anew, their windows close, and
+/// speak the language when they open again.
+TEST(WorkbenchLanguages, AreChosenWhileWindowsAreOpen) {
+    const fs::path languages = TARN_LANGUAGE_DIR;
+    if (!fs::exists(languages / "texp_ger.dll")) GTEST_SKIP() << "there are no language modules";
+    TScript script(fs::path(TARN_SOURCE_DIR) / "docs", [](std::string_view) {});
+    TFrontEnd frontEnd(script.Session(), true);
+    QStringList shown;
+    script.OnStatement = [&] { frontEnd.Flush(); };
+    script.OnPicture = [&](const std::string&, TMenuItem*) {
+        frontEnd.Flush();
+        for (const char* const name : {"UnitForm", "CPUForm"}) {
+            const TForm* form = nullptr;
+            for (int i = 0; i < Screen()->FormCount(); ++i)
+                if (Screen()->Forms(i)->Name() == name) form = Screen()->Forms(i);
+            if (!form) {
+                shown << "-";
+                continue;
+            }
+            const QWidget& window = *frontEnd.WidgetOf(*form);
+            shown << window.windowTitle();
+            shown << window.findChild<QToolButton*>("tbExit")->text();
+        }
+    };
+    script.Play("registry ExpLocaleDir " + languages.string() +
+                "\nstart\npump\nopen ../examples/Trees.pas\ncpu ../examples/sum.cpu\n"
+                "press Ctrl+W\nactivate IdeMainForm\npress Ctrl+Shift+Q\npicture before\n"
+                "click \"TarnExperts|Settings|Language|German\"\npump\npicture after\n"
+                "press Ctrl+W\nactivate IdeMainForm\npress Ctrl+Shift+Q\npicture again\n");
+    EXPECT_EQ(shown.join(", ").toStdString(), "Unit manager, Exit, View CPU, Exit, -, -, "
+                                              "Unit-Manager, Schließen, CPU-Ansicht, Schließen");
+}
+
 /// Each colour of a text can be read on its ground, in both themes.
 TEST(WorkbenchThemes, HaveColoursThatCanBeRead) {
     for (const TTheme theme : {thDark, thLight}) {

@@ -4,6 +4,7 @@
 #include "TTestFolder.h"
 #include "TTextSearch.h"
 #include "TWorkbench.h"
+#include "Windows/TCpuWindow.h"
 
 #include <gtest/gtest.h>
 
@@ -134,6 +135,53 @@ TEST_F(Workbench, DroppedFilesAreOpened) {
         EXPECT_EQ(Ide().CurrentBuffer()->Text().Text(), "b");
         Ide().Modules().CloseAll(true);
     }
+}
+
+TEST_F(Workbench, RecordingsOpenTheCpuWindow) {
+    Bench->Open(TARN_SOURCE_DIR "/examples/sum.cpu");
+    TCpuWindow* const window = Ide().CpuWindow();
+    ASSERT_TRUE(window);
+    auto& code = static_cast<TAddressPane&>(*window->FindComponent("DisassemblerView1"));
+    auto& dump = static_cast<TAddressPane&>(*window->FindComponent("DumpView"));
+    const auto press = [&](TAddressPane& pane, const std::vector<int>& keys) {
+        for (const int key : keys) {
+            QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+            QApplication::sendEvent(Bench->FrontEnd().WidgetOf(pane), &event);
+        }
+        return HexText(static_cast<std::uint32_t>(pane.Selected()));
+    };
+    EXPECT_EQ(press(code, {}), "0040100E");
+    EXPECT_EQ(press(code, {Qt::Key_Down, Qt::Key_Down}), "00401013"); // by instructions
+    EXPECT_EQ(press(code, {Qt::Key_Up, Qt::Key_Right}), "00401010");
+    EXPECT_EQ(press(dump, {Qt::Key_Right, Qt::Key_Down}), "00402011"); // by bytes, of 16 a row
+    EXPECT_EQ(press(dump, {Qt::Key_Up, Qt::Key_Left, Qt::Key_Left}), "00401FFF");
+    QWidget& widget = *Bench->FrontEnd().WidgetOf(code);
+    QMouseEvent click(QEvent::MouseButtonPress, QPointF(20, 3 * widget.fontMetrics().height()),
+                      QPointF(), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &click);
+    EXPECT_EQ(press(code, {}), "0040100E"); // below its label and its source line
+    EXPECT_EQ(widget.accessibleDescription().section('\n', -1).left(8), "0040100E");
+    // It is closed, and opened again by the menu as long as the program stands.
+    Ide().CloseCpuWindow();
+    Click("ViewCpuWindowItem");
+    EXPECT_TRUE(Ide().CpuWindow());
+    Ide().ResumeProgram();
+    EXPECT_FALSE(Ide().ClickMenuItem(*Session.FindMenuItem("ViewCpuWindowItem")));
+    EXPECT_EQ(Boxes(), Strings());
+}
+
+TEST_F(Workbench, TheMainWindowIsWhereItWasLeft) {
+    const std::string file = Folder.File("Workbench.ini");
+    Bench->KeepPlace(file); // there is none yet
+    Bench->Window().setGeometry(40, 50, 610, 420);
+    Bench.reset();
+    Bench.emplace(Session);
+    EXPECT_NE(Bench->Window().size(), QSize(610, 420));
+    Bench->KeepPlace(file);
+    EXPECT_EQ(Bench->Window().geometry(), QRect(40, 50, 610, 420));
+    Write("Workbench.ini", "no settings at all\n[");
+    Bench->KeepPlace(file);
+    EXPECT_EQ(Bench->Window().geometry(), QRect(40, 50, 610, 420));
 }
 
 TEST_F(Workbench, SavesUnderAnotherNameAndOverChanges) {
