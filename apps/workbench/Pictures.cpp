@@ -3,6 +3,7 @@
 #include "TFormMirror.h"
 #include "TFrontEnd.h"
 #include "rtl/SafeFile.h"
+#include "rtl/SysUtils.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -17,6 +18,7 @@ constexpr int TitleHeight = 28, Margin = 16; // pixels
 struct TShownWindow {
     QWidget* Window;
     QRect Place;
+    QString Title;
 };
 
 /// The visible windows from back to front: the main one, then the forms, then menus.
@@ -28,11 +30,13 @@ QList<TShownWindow> ShownWindows(TFrontEnd& frontEnd) {
                 windows << widget;
     for (QWidget* const widget : QApplication::topLevelWidgets())
         if (widget->isVisible() && widget->windowType() == Qt::Popup) windows << widget;
+    // The folder of the pack is another one in each run of a script.
+    const QString folder = FromText(ExtractFilePath(frontEnd.Session().OS().GetModuleFileName()));
     QList<TShownWindow> shown;
     for (QWidget* const window : windows) {
         QRect place = window->geometry();
         if (window->windowType() != Qt::Popup) place.setTop(place.top() - TitleHeight);
-        shown << TShownWindow{window, place};
+        shown << TShownWindow{window, place, window->windowTitle().remove(folder)};
     }
     return shown;
 }
@@ -52,7 +56,7 @@ void DrawTitle(QPainter& painter, const TShownWindow& shown) {
     QFont font = QApplication::font();
     font.setBold(true);
     painter.setFont(font);
-    painter.drawText(title, Qt::AlignCenter, shown.Window->windowTitle());
+    painter.drawText(title, Qt::AlignCenter, shown.Title);
 }
 
 void DrawWindow(QPainter& painter, const TShownWindow& shown) {
