@@ -8,7 +8,7 @@ source tools/setup.sh
 need g++ cmake ninja-build libcli11-dev libgtest-dev
 wish binutils-mingw-w64-i686
 wish pkg-config libunicorn-dev libcapstone-dev
-wish qt6-base-dev libqscintilla2-qt6-dev
+wish qt6-base-dev libqscintilla2-qt6-dev xvfb openbox x11-utils
 for preset in release debug; do
     build "$preset" "$preset"
     say "testing $preset"
