@@ -204,6 +204,7 @@ bool TEditorMirror::ShowText(TSourceBuffer& buffer, TDocument& document) {
     const auto gap = static_cast<std::size_t>(Ask(QsciScintilla::SCI_GETGAPPOSITION));
     const auto bytes = [&](std::size_t from, std::size_t to) {
         // A pointer that comes as a number: the call that gives pointers would move the gap.
+        // NOLINTNEXTLINE(performance-no-int-to-ptr)
         const auto* const data = reinterpret_cast<const char*>(View().SendScintilla(
             QsciScintilla::SCI_GETRANGEPOINTER, from, static_cast<long>(to - from)));
         return std::string_view(data, to - from);
@@ -323,7 +324,7 @@ int TEditorMirror::ColumnWidth() const {
 /// in sight, unless they were asked for.
 void TEditorMirror::ShowPlace(TSourceView& source, TDocument& document, bool moved, bool another) {
     if (another || source.LeftColumn() != document.LeftColumn)
-        Tell(QsciScintilla::SCI_SETXOFFSET, (source.LeftColumn() - 1) * ColumnWidth());
+        Tell(QsciScintilla::SCI_SETXOFFSET, (source.LeftColumn() - 1L) * ColumnWidth());
     if (moved) Tell(QsciScintilla::SCI_SCROLLCARET);
     if (Ask(QsciScintilla::SCI_GETFIRSTVISIBLELINE) != source.TopRow() - 1)
         Tell(QsciScintilla::SCI_SETFIRSTVISIBLELINE, source.TopRow() - 1);

@@ -59,8 +59,8 @@ constexpr TWorkbench::TCommandRow TWorkbench::CommandRows[] = {
     {"SearchBackItem", "SearchAgainItem", "Search Again &Backwards", scShift | VK_F3,
      &TWorkbench::FindBefore, neFile},
     {"SearchGoToItem", "", "", scCtrl | 'G', &TWorkbench::GoToLine, neFile},
-    {"ViewCpuWindowItem", "ViewToggleFormItem", "&CPU Window", scCtrl | scAlt | 'C', &TWorkbench::ShowCpu,
-     neStop},
+    {"ViewCpuWindowItem", "ViewToggleFormItem", "&CPU Window", scCtrl | scAlt | 'C',
+     &TWorkbench::ShowCpu, neStop},
     {"HelpAboutItem", "", "", 0, &TWorkbench::ShowAbout, neNothing},
 };
 
@@ -95,11 +95,12 @@ void TWorkbench::AddCommand(const TCommandRow& row) {
     TMenuItem* item = find(row.Item);
     if (!item) {
         TMenuItem* const behind = find(row.Behind);
-        if (!behind) return;
+        TMenuItem* const menu = behind ? behind->Parent() : nullptr;
+        if (!menu) return;
         item = new TMenuItem(&form);
         item->SetName(row.Item);
         item->SetCaption(row.Caption);
-        behind->Parent()->Insert(behind->MenuIndex() + 1, item);
+        menu->Insert(behind->MenuIndex() + 1, item);
     }
     TCommand& command = *FCommands.emplace_back(std::make_unique<TCommand>(*this, row));
     command.SetCaption(item->Caption());
@@ -269,10 +270,13 @@ bool TWorkbench::eventFilter(QObject* object, QEvent* event) {
     drop->acceptProposedAction();
     if (type != QEvent::Drop) return true;
     // The program that they come from waits for the end of the event, not for message boxes.
-    QTimer::singleShot(0, this, [this, urls = drop->mimeData()->urls()] {
-        for (const QUrl& url : urls)
-            Open(ToText(url.isLocalFile() ? url.toLocalFile() : url.toDisplayString()));
-    });
+    QMetaObject::invokeMethod(
+        this,
+        [this, urls = drop->mimeData()->urls()] {
+            for (const QUrl& url : urls)
+                Open(ToText(url.isLocalFile() ? url.toLocalFile() : url.toDisplayString()));
+        },
+        Qt::QueuedConnection);
     return true;
 }
 

@@ -32,7 +32,8 @@ template <class F> TSeenChar FindChar(const TEditText& text, int row, F&& stop) 
     return {c.NextCol, c.NextCol, c.NextPlace, c.NextPlace};
 }
 
-int Sum(int a, int b) {
+/// One less than the greatest integer at most, so that the place behind it is one, too.
+int PlaceSum(int a, int b) {
     constexpr int most = std::numeric_limits<int>::max() - 1;
     return a > most - b ? most : a + b;
 }
@@ -41,7 +42,7 @@ int Sum(int a, int b) {
 
 int SeenAt(const TEditText& text, TTextPos pos) {
     const TSeenChar c = FindChar(text, pos.Row, [&](TSeenChar at) { return pos.Col < at.NextCol; });
-    return Sum(c.Place, std::max(pos.Col - c.NextCol, 0));
+    return PlaceSum(c.Place, std::max(pos.Col - c.NextCol, 0));
 }
 
 TTextPos PosSeenAt(const TEditText& text, int row, int place) {
@@ -49,7 +50,7 @@ TTextPos PosSeenAt(const TEditText& text, int row, int place) {
     const TSeenChar c = FindChar(text, row, [&](TSeenChar at) {
         return place - at.Place < (at.NextPlace - at.Place + 1) / 2;
     });
-    return {row, Sum(c.Col, c.Col == c.NextCol ? std::max(place - c.Place, 0) : 0)};
+    return {row, PlaceSum(c.Col, c.Col == c.NextCol ? std::max(place - c.Place, 0) : 0)};
 }
 
 TTextPos CharBefore(const TEditText& text, TTextPos pos) {
@@ -60,7 +61,7 @@ TTextPos CharBefore(const TEditText& text, TTextPos pos) {
 
 TTextPos CharBehind(const TEditText& text, TTextPos pos) {
     const TSeenChar c = FindChar(text, pos.Row, [&](TSeenChar at) { return pos.Col < at.NextCol; });
-    return {pos.Row, c.Col == c.NextCol ? Sum(pos.Col, 1) : c.NextCol};
+    return {pos.Row, c.Col == c.NextCol ? PlaceSum(pos.Col, 1) : c.NextCol};
 }
 
 TColumnBlock::TColumnBlock(const TEditText& text, TTextPos anchor, TTextPos cursor)
