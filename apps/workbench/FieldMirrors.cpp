@@ -27,7 +27,9 @@ int TextPlace(const std::string& text, int place) {
         else
             high = middle;
     }
-    // Not inside a character.
+    // Not inside a line break, nor a character.
+    const auto at = static_cast<std::size_t>(low);
+    if (at > 0 && at < text.size() && text[at - 1] == '\r' && text[at] == '\n') ++low;
     while (low < static_cast<int>(text.size()) &&
            (text[static_cast<std::size_t>(low)] & 0xC0) == 0x80)
         ++low;
@@ -70,7 +72,6 @@ void DeleteForwards(TCustomEdit& edit) {
 /// Gives a key to an edit; false for one that moves the caret, which the widget does.
 bool PressKey(TFrontEnd& frontEnd, TCustomEdit& edit, const QKeyEvent& key) {
     const char32_t control = ControlCharOf(key);
-    if (control == 13 && !edit.WantsKey(VK_RETURN)) return false;
     if (control != 0)
         frontEnd.AsUser([&] { edit.KeyPress(control); });
     else if (key.key() == Qt::Key_Delete && !edit.ReadOnly() && edit.CanFocus())
@@ -78,8 +79,32 @@ bool PressKey(TFrontEnd& frontEnd, TCustomEdit& edit, const QKeyEvent& key) {
     else if (IsTyped(key))
         frontEnd.AsUser([&] { edit.TypeText(ToText(key.text())); });
     else
-        return false;
+        return key.matches(QKeySequence::Redo); // the control takes back what was taken back
     return true;
+}
+
+/// A key that deletes more than a character, and the move of the caret over what it deletes.
+struct TDeletion {
+    QKeySequence::StandardKey Key;
+    QTextCursor::MoveOperation Move;
+    void (*Select)(QLineEdit& line);
+};
+constexpr TDeletion Deletions[] = {
+    {QKeySequence::DeleteStartOfWord, QTextCursor::PreviousWord,
+     [](QLineEdit& line) { line.cursorWordBackward(true); }},
+    {QKeySequence::DeleteEndOfWord, QTextCursor::NextWord,
+     [](QLineEdit& line) { line.cursorWordForward(true); }},
+    {QKeySequence::DeleteEndOfLine, QTextCursor::EndOfLine,
+     [](QLineEdit& line) { line.end(true); }},
+    {QKeySequence::DeleteCompleteLine, QTextCursor::NoMove,
+     [](QLineEdit& line) { line.selectAll(); }},
+};
+
+/// The deletion of a key; null when it is none, or there is nothing that may be deleted.
+const TDeletion* DeletionOf(const TCustomEdit& edit, const QKeyEvent& key) {
+    for (const TDeletion& deletion : Deletions)
+        if (key.matches(deletion.Key)) return edit.ReadOnly() ? nullptr : &deletion;
+    return nullptr;
 }
 
 /// Text that comes from an input method.
@@ -101,35 +126,89 @@ void ShowLine(QLineEdit& line, const TCustomEdit& edit) {
         line.setCursorPosition(start);
 }
 
-void TakeLineSelection(const QLineEdit& line, TCustomEdit& edit) {
+/// The same selection again would part what is typed into two steps.
+void TakeSelection(TCustomEdit& edit, int start, int end) {
     const std::string text = edit.Text();
+    const int from = TextPlace(text, start);
+    const int length = TextPlace(text, end) - from;
+    if (from != edit.SelStart() || length != edit.SelLength()) edit.Select(from, length);
+}
+
+void TakeLineSelection(const QLineEdit& line, TCustomEdit& edit) {
     const bool selects = line.hasSelectedText();
     const int start = selects ? line.selectionStart() : line.cursorPosition();
-    const int end = selects ? line.selectionEnd() : start;
-    const int from = TextPlace(text, start);
-    edit.Select(from, TextPlace(text, end) - from);
+    TakeSelection(edit, start, selects ? line.selectionEnd() : start);
+}
+
+/// The menu of the second mouse button, for an edit without one of its own.
+void ShowEditMenu(TFrontEnd& frontEnd, TCustomEdit& edit, QPoint place) {
+    const TWeak<TCustomEdit> alive(&edit);
+    QMenu menu;
+    const auto add = [&](const char* caption, bool enabled, void (*run)(TCustomEdit&)) {
+        QAction* const action = menu.addAction(caption, &menu, [&frontEnd, alive, run] {
+            if (alive) frontEnd.AsUser([&] { run(*alive); });
+        });
+        action->setEnabled(enabled);
+    };
+    const bool selects = edit.SelLength() > 0;
+    const bool changes = !edit.ReadOnly() && edit.CanFocus();
+    add("&Undo", changes && edit.CanUndo(), [](TCustomEdit& e) { e.Undo(); });
+    menu.addSeparator();
+    add("Cu&t", changes && selects, [](TCustomEdit& e) { e.KeyPress(24); });
+    add("&Copy", selects, [](TCustomEdit& e) { e.KeyPress(3); });
+    add("&Paste", changes, [](TCustomEdit& e) { e.KeyPress(22); });
+    add("&Delete", changes && selects, [](TCustomEdit& e) { e.Perform(WM_CLEAR); });
+    menu.addSeparator();
+    add("Select &all", !edit.Text().empty(), [](TCustomEdit& e) { e.SelectAll(); });
+    menu.exec(place);
+}
+
+/// The second button of three types what is selected somewhere, where it is clicked.
+bool TypeSelected(TFrontEnd& frontEnd, TCustomEdit& edit, const QMouseEvent& event) {
+    if (event.button() != Qt::MiddleButton) return false;
+    const QString text = QApplication::clipboard()->text(QClipboard::Selection);
+    if (!text.isEmpty()) frontEnd.AsUser([&] { edit.TypeText(ToText(text)); });
+    return true;
 }
 
 /// What a line edit does with its events; true when it is done.
 bool FilterLine(TFrontEnd& frontEnd, TCustomEdit& edit, QLineEdit& line, QEvent& event) {
     switch (event.type()) {
-    case QEvent::KeyPress:
-        return PressKey(frontEnd, edit, static_cast<QKeyEvent&>(event));
+    case QEvent::KeyPress: {
+        const auto& key = static_cast<QKeyEvent&>(event);
+        TakeLineSelection(line, edit); // the key before may still be held
+        const TDeletion* const deletion = DeletionOf(edit, key);
+        if (!deletion) return PressKey(frontEnd, edit, key);
+        if (!line.hasSelectedText()) deletion->Select(line);
+        TakeLineSelection(line, edit);
+        frontEnd.AsUser([&] { edit.Perform(WM_CLEAR); });
+        return true;
+    }
     case QEvent::InputMethod:
         return TakeInput(frontEnd, edit, static_cast<QInputMethodEvent&>(event));
     case QEvent::KeyRelease:
-    case QEvent::MouseButtonRelease:
         TakeLineSelection(line, edit);
         return false;
+    case QEvent::MouseButtonRelease:
+        TakeLineSelection(line, edit);
+        return TypeSelected(frontEnd, edit, static_cast<QMouseEvent&>(event));
     case QEvent::MouseButtonDblClick:
         frontEnd.AsUser([&] { edit.DblClick(); });
         return false;
-    case QEvent::Drop:
-    case QEvent::DragEnter:
-        return true; // text comes in by keys and the clipboard alone
+    case QEvent::ContextMenu:
+        TakeLineSelection(line, edit);
+        ShowEditMenu(frontEnd, edit, static_cast<QContextMenuEvent&>(event).globalPos());
+        return true;
     default:
         return false;
     }
+}
+
+/// A line whose text comes in through the control alone.
+void SetUpLine(QLineEdit& line, QObject* filter) {
+    line.installEventFilter(filter);
+    line.setAcceptDrops(false);
+    line.setDragEnabled(false);
 }
 
 } // namespace
@@ -138,8 +217,7 @@ bool FilterLine(TFrontEnd& frontEnd, TCustomEdit& edit, QLineEdit& line, QEvent&
 
 TEditMirror::TEditMirror(TFrontEnd& frontEnd, TCustomEdit& edit)
     : TMirrorOf(frontEnd, edit, new QLineEdit) {
-    View().installEventFilter(this);
-    View().setContextMenuPolicy(Qt::NoContextMenu);
+    SetUpLine(View(), this);
 }
 
 void TEditMirror::SyncState() {
@@ -156,8 +234,7 @@ TSpinEditMirror::TSpinEditMirror(TFrontEnd& frontEnd, TSpinEdit& edit)
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
     row->addWidget(FLine);
-    FLine->installEventFilter(this);
-    FLine->setContextMenuPolicy(Qt::NoContextMenu);
+    SetUpLine(*FLine, this);
     View().setFocusProxy(FLine);
     for (const int step : {-1, 1}) {
         auto* const button = new QToolButton;
@@ -192,7 +269,7 @@ TMemoMirror::TMemoMirror(TFrontEnd& frontEnd, TMemo& memo)
     : TMirrorOf(frontEnd, memo, new QPlainTextEdit) {
     View().installEventFilter(this);
     View().viewport()->installEventFilter(this);
-    View().setContextMenuPolicy(Qt::NoContextMenu);
+    View().setAcceptDrops(false);
     View().setUndoRedoEnabled(false);
     View().setTabChangesFocus(true);
 }
@@ -215,26 +292,46 @@ void TMemoMirror::SyncState() {
 
 void TMemoMirror::TakeSelection() {
     const QTextCursor cursor = View().textCursor();
-    const std::string text = Self().Text();
-    const int from = TextPlace(text, cursor.selectionStart());
-    Self().Select(from, TextPlace(text, cursor.selectionEnd()) - from);
+    tarn::TakeSelection(Self(), cursor.selectionStart(), cursor.selectionEnd());
+}
+
+/// What a key does that deletes more than a character.
+void TMemoMirror::Delete(QTextCursor::MoveOperation move) {
+    QTextCursor cursor = View().textCursor();
+    if (move == QTextCursor::NoMove) {
+        cursor.movePosition(QTextCursor::StartOfLine);
+        move = QTextCursor::EndOfLine;
+    }
+    if (!cursor.hasSelection()) cursor.movePosition(move, QTextCursor::KeepAnchor);
+    View().setTextCursor(cursor);
+    TakeSelection();
+    FrontEnd().AsUser([&] { Self().Perform(WM_CLEAR); });
 }
 
 bool TMemoMirror::eventFilter(QObject*, QEvent* event) {
     switch (event->type()) {
-    case QEvent::KeyPress:
-        return PressKey(FrontEnd(), Self(), static_cast<QKeyEvent&>(*event));
+    case QEvent::KeyPress: {
+        const auto& key = static_cast<QKeyEvent&>(*event);
+        TakeSelection();
+        const TDeletion* const deletion = DeletionOf(Self(), key);
+        if (!deletion) return PressKey(FrontEnd(), Self(), key);
+        Delete(deletion->Move);
+        return true;
+    }
     case QEvent::InputMethod:
         return TakeInput(FrontEnd(), Self(), static_cast<QInputMethodEvent&>(*event));
     case QEvent::KeyRelease:
-    case QEvent::MouseButtonRelease:
         TakeSelection();
         return false;
+    case QEvent::MouseButtonRelease:
+        TakeSelection();
+        return TypeSelected(FrontEnd(), Self(), static_cast<QMouseEvent&>(*event));
     case QEvent::MouseButtonDblClick:
         FrontEnd().AsUser([&] { Self().DblClick(); });
         return false;
-    case QEvent::Drop:
-    case QEvent::DragEnter:
+    case QEvent::ContextMenu:
+        TakeSelection();
+        ShowEditMenu(FrontEnd(), Self(), static_cast<QContextMenuEvent*>(event)->globalPos());
         return true;
     default:
         return false;
@@ -242,6 +339,38 @@ bool TMemoMirror::eventFilter(QObject*, QEvent* event) {
 }
 
 // --- Hot keys, dates, colours, fonts ----------------------------------------------------------
+
+namespace {
+
+QColor ToColor(TColor color) {
+    return {color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF};
+}
+
+bool IsColor(const QString& text, TColor color) {
+    try {
+        return StringToColor(Trim(ToText(text))) == color;
+    } catch (const EConvertError&) {
+        return false;
+    }
+}
+
+/// Puts a list into a field, with a button behind it that opens a dialog.
+void JoinWithDialog(QWidget& field, QComboBox& list, const std::function<void()>& open) {
+    auto* const button = new QToolButton;
+    button->setText("...");
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setFixedWidth(22);
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
+    auto* const row = new QHBoxLayout(&field);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(&list, 1);
+    row->addWidget(button);
+    field.setFocusProxy(&list);
+    QObject::connect(button, &QToolButton::clicked, &field, open);
+}
+
+} // namespace
 
 THotKeyMirror::THotKeyMirror(TFrontEnd& frontEnd, THotKeyEx& field)
     : TMirrorOf(frontEnd, field, new QLineEdit) {
@@ -283,57 +412,93 @@ void TDateTimeMirror::SyncState() {
     const QDate date = shown ? QDate(1899, 12, 30).addDays(static_cast<qint64>(Self().Date()))
                              : View().minimumDate();
     const auto seconds = shown ? static_cast<int>(std::fabs(Self().Time()) * 86400 + 0.5) : 0;
-    View().setDateTime(QDateTime(date, QTime(0, 0).addSecs(seconds)));
+    const QDateTime moment(date, QTime(0, 0).addSecs(seconds));
+    if (View().dateTime() != moment) View().setDateTime(moment); // it ends what is being typed
 }
 
 TColorMirror::TColorMirror(TFrontEnd& frontEnd, TColorEdit& edit)
-    : TMirrorOf(frontEnd, edit, new QComboBox) {
-    View().setEditable(true);
+    : TMirrorOf(frontEnd, edit, new QWidget), FNames(new QComboBox) {
+    FNames->setEditable(true);
+    FNames->setInsertPolicy(QComboBox::NoInsert);
+    FNames->setCompleter(nullptr);
     for (const TColorName& row : ColorNames()) {
         QPixmap pixmap(12, 12);
         const TColor color = row.Color;
-        pixmap.fill(color >= 0 && color <= 0xFFFFFF
-                        ? QColor(color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF)
-                        : QColor(Qt::transparent));
-        View().addItem(pixmap, FromText(row.Ident));
+        pixmap.fill(color >= 0 && color <= 0xFFFFFF ? ToColor(color) : QColor(Qt::transparent));
+        FNames->addItem(pixmap, FromText(row.Ident));
     }
-    connect(&View(), &QComboBox::activated, this, [this](int index) {
+    JoinWithDialog(View(), *FNames, [this] { AskForColor(); });
+    connect(FNames, &QComboBox::activated, this, [this](int index) {
         FrontEnd().AsUser(
             [&] { Self().ChooseColor(ColorNames()[static_cast<std::size_t>(index)].Color); });
     });
-    connect(View().lineEdit(), &QLineEdit::editingFinished, this, [this] {
-        if (Syncing()) return;
-        const std::string text = ToText(View().currentText());
-        if (text == Self().ShownText()) return;
-        FrontEnd().AsUser([&] { Self().TypeText(text); });
-        Sync();
+    // Each text that is a colour is taken at once: a key may be the next thing that the user does.
+    connect(FNames->lineEdit(), &QLineEdit::textEdited, this, [this](const QString& text) {
+        FrontEnd().AsUser([&] { Self().TypeText(ToText(text)); });
+    });
+    connect(FNames->lineEdit(), &QLineEdit::editingFinished, this, [this] {
+        if (!Syncing()) FNames->setEditText(FromText(Self().ShownText()));
     });
 }
 
+void TColorMirror::AskForColor() {
+    // One of the system's colours, which are below 0, has no parts to begin with.
+    const TColor before = std::max(Self().SelectedColor(), TColor{0});
+    const QColor chosen = QColorDialog::getColor(ToColor(before), View().window());
+    if (!chosen.isValid()) return;
+    const int color = chosen.red() | chosen.green() << 8 | chosen.blue() << 16;
+    FrontEnd().AsUser([&] { Self().ChooseColor(static_cast<TColor>(color)); });
+}
+
 void TColorMirror::SyncState() {
-    View().setEditText(FromText(Self().ShownText()));
+    FNames->setAccessibleName(View().accessibleName());
+    // What is being typed stays as long as it is the colour.
+    if (FNames->hasFocus() && IsColor(FNames->currentText(), Self().SelectedColor())) return;
+    const QString shown = FromText(Self().ShownText());
+    FNames->setCurrentIndex(FNames->findText(shown)); // from where the arrow keys go on
+    FNames->setEditText(shown);
 }
 
 TFontMirror::TFontMirror(TFrontEnd& frontEnd, TFontEdit& edit)
     : TMirrorOf(frontEnd, edit, new QWidget), FName(new QComboBox), FSize(new QSpinBox) {
-    auto* const row = new QHBoxLayout(&View());
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(FName, 1);
-    row->addWidget(FSize);
     FName->setEditable(true);
+    FName->setInsertPolicy(QComboBox::NoInsert);
+    FName->setCompleter(nullptr);
     for (int i = 0; i < edit.Items().Count(); ++i) FName->addItem(FromText(edit.Items()[i]));
     FSize->setRange(0, 400);
-    View().setFocusProxy(FName);
-    connect(FName, &QComboBox::textActivated, this, [this](const QString& name) {
+    JoinWithDialog(View(), *FName, [this] { AskForFont(); });
+    static_cast<QHBoxLayout*>(View().layout())->insertWidget(1, FSize);
+    const auto choose = [this](const QString& name) {
         FrontEnd().AsUser([&] { Self().ChooseName(ToText(name)); });
-    });
+    };
+    connect(FName, &QComboBox::textActivated, this, choose);
+    connect(FName->lineEdit(), &QLineEdit::textEdited, this, choose);
     connect(FSize, &QSpinBox::valueChanged, this, [this](int size) {
         if (!Syncing()) FrontEnd().AsUser([&] { Self().ChooseSize(size); });
     });
 }
 
+void TFontMirror::AskForFont() {
+    bool chosen = false;
+    const QFont font =
+        QFontDialog::getFont(&chosen, FromFont(Self().SelectedFont()), View().window());
+    if (!chosen) return;
+    TFont result;
+    result.Assign(&Self().SelectedFont());
+    result.SetName(ToText(font.family()));
+    if (font.pointSize() > 0) result.SetSize(font.pointSize());
+    TFontStyles style;
+    if (font.bold()) style.Include(fsBold);
+    if (font.italic()) style.Include(fsItalic);
+    if (font.underline()) style.Include(fsUnderline);
+    if (font.strikeOut()) style.Include(fsStrikeOut);
+    result.SetStyle(style);
+    FrontEnd().AsUser([&] { Self().ChooseFont(result); });
+}
+
 void TFontMirror::SyncState() {
-    FName->setEditText(FromText(Self().SelectedFont().Name()));
+    const QString name = FromText(Self().SelectedFont().Name());
+    if (FName->currentText() != name) FName->setEditText(name);
     FSize->setValue(Self().SelectedFont().Size());
     FName->setAccessibleName(View().accessibleName());
 }

@@ -4,6 +4,8 @@
 #include "QtKeys.h"
 #include "TFrontEnd.h"
 
+#include <climits>
+
 namespace tarn {
 
 // --- Combo boxes ------------------------------------------------------------------------------
@@ -22,10 +24,14 @@ void TComboBoxMirror::SyncState() {
     const bool editable = box.Style() == csDropDown;
     if (view.isEditable() != editable) {
         view.setEditable(editable);
-        if (editable)
+        if (editable) {
+            // The text is what was typed: nothing is added to it, nor does it become a line.
+            view.setInsertPolicy(QComboBox::NoInsert);
+            view.setCompleter(nullptr);
             connect(view.lineEdit(), &QLineEdit::textEdited, this, [this](const QString& text) {
                 FrontEnd().AsUser([&] { Self().TypeText(ToText(text)); });
             });
+        }
     }
     QStringList lines;
     for (int i = 0; i < box.Items().Count(); ++i) lines << FromText(box.Items()[i]);
@@ -35,9 +41,13 @@ void TComboBoxMirror::SyncState() {
         view.clear();
         view.addItems(lines);
     }
-    view.setCurrentIndex(box.ItemIndex());
-    if (editable && view.currentText() != FromText(box.Text()))
-        view.setEditText(FromText(box.Text()));
+    const int caret = editable ? view.lineEdit()->cursorPosition() : 0;
+    const QString text = FromText(box.Text());
+    const bool same = editable && view.currentText() == text;
+    if (view.currentIndex() != box.ItemIndex()) view.setCurrentIndex(box.ItemIndex());
+    if (!editable) return;
+    if (view.currentText() != text) view.setEditText(text);
+    if (same) view.lineEdit()->setCursorPosition(caret);
 }
 
 // --- Lists ------------------------------------------------------------------------------------
@@ -95,7 +105,8 @@ bool TListBoxMirror::Mouse(QMouseEvent& event) {
         FDragFrom = Self().DragMode == dmAutomatic ? line : -1;
         FPressed = place;
         // A line of several that are selected is clicked when it was not dragged.
-        if (FDragFrom >= 0 && Self().Selected(line) && Self().SelCount() > 1) return true;
+        FClicksLater = FDragFrom >= 0 && Self().Selected(line) && Self().SelCount() > 1;
+        if (FClicksLater) return true;
         FrontEnd().AsUser([&] {
             if (!ClickedAt(line, place)) Self().ClickItem(line, ShiftOf(event.modifiers()));
         });
@@ -103,19 +114,10 @@ bool TListBoxMirror::Mouse(QMouseEvent& event) {
     case QEvent::MouseButtonDblClick:
         if (line >= 0) FrontEnd().AsUser([&] { Self().DblClickItem(line); });
         return true;
-    case QEvent::MouseButtonRelease: {
-        const int from = std::exchange(FDragFrom, -1);
-        if (from < 0) return true;
-        const bool moved =
-            (place - FPressed).manhattanLength() >= QApplication::startDragDistance();
-        FrontEnd().AsUser([&] {
-            if (moved && line != from)
-                Self().DragItems(from, line < 0 ? Self().Count() : line);
-            else if (!moved)
-                Self().ClickItem(from, ShiftOf(event.modifiers()));
-        });
+    case QEvent::MouseButtonRelease:
+        if (const int from = std::exchange(FDragFrom, -1); from >= 0)
+            Drop(from, place, event.modifiers());
         return true;
-    }
     case QEvent::MouseMove:
         return true;
     default:
@@ -123,41 +125,80 @@ bool TListBoxMirror::Mouse(QMouseEvent& event) {
     }
 }
 
+void TListBoxMirror::Click(int line, Qt::KeyboardModifiers modifiers) {
+    FrontEnd().AsUser([&] { Self().ClickItem(line, ShiftOf(modifiers)); });
+}
+
+/// The button is let go: a line was clicked, or dragged, which ends nowhere outside the list.
+void TListBoxMirror::Drop(int from, QPoint place, Qt::KeyboardModifiers modifiers) {
+    const bool moved = (place - FPressed).manhattanLength() >= QApplication::startDragDistance();
+    const int line = LineAt(place);
+    if (!moved && FClicksLater)
+        Click(from, modifiers);
+    else if (moved && line != from && View().viewport()->rect().contains(place))
+        FrontEnd().AsUser([&] { Self().DragItems(from, line < 0 ? Self().Count() : line); });
+}
+
+namespace {
+
+/// The line to which a key goes, which may be outside the list; INT_MIN for a key of another use.
+int LineOf(int key, int current, int last, int page) {
+    switch (key) {
+    case Qt::Key_Up:
+        return current - 1;
+    case Qt::Key_Down:
+        return current + 1;
+    case Qt::Key_PageUp:
+        return current - page;
+    case Qt::Key_PageDown:
+        return current + page;
+    case Qt::Key_Home:
+        return 0;
+    case Qt::Key_End:
+        return last;
+    default:
+        return INT_MIN;
+    }
+}
+
+} // namespace
+
+/// The next line that begins with what was typed.
+bool TListBoxMirror::Search(const QKeyEvent& event) {
+    if (!IsTyped(event)) return false;
+    const int count = Self().Count();
+    for (int i = 1; i <= count; ++i) {
+        const int line = (Self().ItemIndex() + i) % count;
+        if (!View().item(line)->text().startsWith(event.text(), Qt::CaseInsensitive)) continue;
+        Click(line, {});
+        break;
+    }
+    return true;
+}
+
+/// The widget itself gets no key but those that leave it: what it selects is not selected.
 bool TListBoxMirror::Key(QKeyEvent& event) {
     const int current = Self().ItemIndex();
     const int last = Self().Count() - 1;
-    int line = current;
-    switch (event.key()) {
-    case Qt::Key_Up:
-        --line;
-        break;
-    case Qt::Key_Down:
-        ++line;
-        break;
-    case Qt::Key_PageUp:
-        line -= 10;
-        break;
-    case Qt::Key_PageDown:
-        line += 10;
-        break;
-    case Qt::Key_Home:
-        line = 0;
-        break;
-    case Qt::Key_End:
-        line = last;
-        break;
-    case Qt::Key_Space:
+    if (event.key() == Qt::Key_Space) {
         FrontEnd().AsUser([&] {
             if (current >= 0 && !ClickedAt(current, QPoint(0, 0)))
                 Self().ClickItem(current, ShiftOf(event.modifiers()));
         });
         return true;
-    default:
-        return false;
     }
-    if (last < 0) return true;
-    line = std::clamp(line, 0, last);
-    FrontEnd().AsUser([&] { Self().ClickItem(line, ShiftOf(event.modifiers())); });
+    if (event.matches(QKeySequence::SelectAll)) {
+        FrontEnd().AsUser([&] { Self().SelectAll(); });
+        return true;
+    }
+    const int page =
+        std::max(View().viewport()->height() / std::max(View().sizeHintForRow(0), 1), 1);
+    if (const int line = LineOf(event.key(), current, last, page); line != INT_MIN) {
+        if (last >= 0) Click(std::clamp(line, 0, last), event.modifiers());
+        return true;
+    }
+    if (event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) return false;
+    if (!Search(event)) event.ignore();
     return true;
 }
 
@@ -170,12 +211,6 @@ bool TListBoxMirror::eventFilter(QObject* object, QEvent* event) {
         return object != &View() && Mouse(static_cast<QMouseEvent&>(*event));
     case QEvent::KeyPress:
         return object == &View() && Key(static_cast<QKeyEvent&>(*event));
-    case QEvent::ContextMenu:
-        if (TPopupMenu* const menu = Self().PopupMenu()) {
-            FrontEnd().AsUser([&] { menu->Popup(&Self()); });
-            return true;
-        }
-        return false;
     default:
         return false;
     }
@@ -282,8 +317,35 @@ void TTabsMirror::SyncState() {
     view.setCurrentIndex(Self().TabIndex());
 }
 
+namespace {
+
+/// Gives each character that is typed into a cell to the cell at once: a click on a tool button,
+/// which takes no focus, does not end the typing.
+class TCellDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override {
+        QWidget* const editor = QStyledItemDelegate::createEditor(parent, option, index);
+        if (auto* const line = qobject_cast<QLineEdit*>(editor))
+            connect(line, &QLineEdit::textEdited, this,
+                    [this, line] { emit const_cast<TCellDelegate*>(this)->commitData(line); });
+        return editor;
+    }
+    /// The caret stays where it is when the cell has what the editor shows.
+    void setEditorData(QWidget* editor, const QModelIndex& index) const override {
+        auto* const line = qobject_cast<QLineEdit*>(editor);
+        if (!line || line->text() != index.data(Qt::EditRole).toString())
+            QStyledItemDelegate::setEditorData(editor, index);
+    }
+};
+
+} // namespace
+
 TGridMirror::TGridMirror(TFrontEnd& frontEnd, TStringGrid& grid)
     : TMirrorOf(frontEnd, grid, new QTableWidget) {
+    View().setItemDelegate(new TCellDelegate(&View()));
     View().setSelectionBehavior(QAbstractItemView::SelectRows);
     View().verticalHeader()->hide();
     View().horizontalHeader()->setStretchLastSection(true);
@@ -308,9 +370,11 @@ void TGridMirror::SyncState() {
         for (int col = 0; col < grid.ColCount(); ++col) {
             QTableWidgetItem* item = View().item(row - 1, col);
             if (!item) View().setItem(row - 1, col, item = new QTableWidgetItem);
-            item->setText(FromText(grid.Cell(col, row)));
+            const QString text = FromText(grid.Cell(col, row));
+            if (item->text() != text) item->setText(text);
         }
-    if (grid.Row() > 0) View().setCurrentCell(grid.Row() - 1, std::max(View().currentColumn(), 0));
+    if (grid.Row() > 0 && View().currentRow() != grid.Row() - 1)
+        View().setCurrentCell(grid.Row() - 1, std::max(View().currentColumn(), 0));
 }
 
 } // namespace tarn

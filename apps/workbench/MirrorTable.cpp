@@ -36,9 +36,17 @@ constexpr TMirrorRow Rows[] = {
     Row<TCpuValuesMirror>(),  Row<TPanelMirror>(),
 };
 
+/// Whether the control is a form that has no window: it stands for a question that the desktop asks
+/// in one of its own.
+bool IsSign(TControl& control) {
+    return &control.ClassType() == &TForm::ClassRecord && control.ControlCount() == 0 &&
+           control.Width() == 0 && control.Height() == 0;
+}
+
 } // namespace
 
 std::unique_ptr<TMirror> MakeMirror(TFrontEnd& frontEnd, TControl& control) {
+    if (IsSign(control)) return nullptr;
     if (auto editor = TEditorMirror::For(frontEnd, control)) return editor;
     for (const TMirrorRow& row : Rows)
         if (control.InheritsFrom(*row.Class)) return row.Make(frontEnd, control);

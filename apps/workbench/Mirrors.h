@@ -127,6 +127,7 @@ protected:
 
 private:
     void TakeSelection();
+    void Delete(QTextCursor::MoveOperation move);
     std::string FShown; ///< the text as it was put in
 };
 
@@ -147,12 +148,16 @@ protected:
     void SyncState() override;
 };
 
-class TColorMirror : public TMirrorOf<TColorEdit, QComboBox> {
+class TColorMirror : public TMirrorOf<TColorEdit, QWidget> {
 public:
     TColorMirror(TFrontEnd& frontEnd, TColorEdit& edit);
 
 protected:
     void SyncState() override;
+
+private:
+    void AskForColor();
+    QComboBox* FNames;
 };
 
 class TFontMirror : public TMirrorOf<TFontEdit, QWidget> {
@@ -163,6 +168,7 @@ protected:
     void SyncState() override;
 
 private:
+    void AskForFont();
     QComboBox* FName;
     QSpinBox* FSize;
 };
@@ -193,7 +199,11 @@ private:
     int LineAt(QPoint place) const;
     bool Mouse(QMouseEvent& event);
     bool Key(QKeyEvent& event);
-    int FDragFrom = -1;
+    void Drop(int from, QPoint place, Qt::KeyboardModifiers modifiers);
+    bool Search(const QKeyEvent& event);
+    void Click(int line, Qt::KeyboardModifiers modifiers);
+    int FDragFrom = -1;        ///< where the button went down on a line that can be dragged
+    bool FClicksLater = false; ///< when it is let go
     QPoint FPressed;
 };
 

@@ -60,6 +60,13 @@ void TFormMirror::UserCloses() {
     FrontEnd().AsUser([&] { Self().Close(); });
 }
 
+/// Whether the active form is this one, or stands in its window.
+bool TFormMirror::HoldsActiveForm() const {
+    const TForm* const active = Screen()->ActiveForm();
+    const QWidget* const widget = active ? FrontEnd().WidgetOf(*active) : nullptr;
+    return active == &Self() || (widget && widget->window() == &View());
+}
+
 bool TFormMirror::eventFilter(QObject* object, QEvent* event) {
     if (object != &View()) return false;
     switch (event->type()) {
@@ -68,7 +75,7 @@ bool TFormMirror::eventFilter(QObject* object, QEvent* event) {
         UserCloses();
         return true;
     case QEvent::WindowActivate:
-        if (!Syncing() && Screen()->ActiveForm() != &Self() && Self().Visible())
+        if (!Syncing() && !HoldsActiveForm() && Self().Visible())
             FrontEnd().AsUser([&] { Screen()->SetActiveForm(&Self()); });
         return false;
     case QEvent::Move:
@@ -104,11 +111,8 @@ void TMainFormMirror::SyncMenu() {
         TMenuItem& item = *items.Items(i);
         if (!item.Visible()) continue;
         QMenu* const menu = bar.addMenu(FromText(item.Caption()));
-        connect(menu, &QMenu::aboutToShow, this, [this, menu, weak = TWeak<TMenuItem>(&item)] {
-            if (!weak) return;
-            FrontEnd().AsUser([&] { weak->Click(); });
-            if (weak) FrontEnd().FillMenu(*menu, *weak);
-        });
+        connect(menu, &QMenu::aboutToShow, this,
+                [this, menu, weak = TWeak<TMenuItem>(&item)] { FrontEnd().OpenMenu(*menu, weak); });
     }
 }
 

@@ -22,6 +22,7 @@ protected:
     virtual void UserCloses();
 
 private:
+    bool HoldsActiveForm() const;
     bool FPlaced = false;
 };
 

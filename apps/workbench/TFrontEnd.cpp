@@ -5,12 +5,14 @@
 #include "vcl/TScrollBox.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QEventLoop>
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QTimer>
+#include <QMimeData>
 
 namespace tarn {
 
@@ -48,6 +50,15 @@ TFrontEnd::TFrontEnd(TSession& session, bool watched)
     Screen()->MenuPeer = this;
     for (int i = 0; i < Screen()->FormCount(); ++i) Adopt(*Screen()->Forms(i));
     qApp->installEventFilter(this);
+    if (watched) return;
+    Screen()->Fonts().Clear();
+    for (const QString& family : QFontDatabase::families()) Screen()->Fonts().Add(ToText(family));
+    FClock.start();
+    FTick.setSingleShot(true);
+    connect(&FTick, &QTimer::timeout, this, [this] { Pump(); });
+    FBeeps = FSession.OS().Beeps();
+    connect(QApplication::clipboard(), &QClipboard::dataChanged, this, [this] { TakeClipboard(); });
+    TakeClipboard();
 }
 
 TFrontEnd::~TFrontEnd() {
@@ -88,9 +99,23 @@ void TFrontEnd::StateChanged(TControl& control) {
 }
 
 void TFrontEnd::Gone(TControl& control) {
-    FMirrors.erase(&control);
-    if (FIsChanged.erase(&control) == 0) return;
-    std::erase(FChanged, &control);
+    control.Peer = nullptr;
+    if (FIsChanged.erase(&control) != 0) std::erase(FChanged, &control);
+    auto gone = FMirrors.extract(&control);
+    if (gone.empty()) return;
+    TMirror* const mirror = gone.mapped().release();
+    mirror->deleteLater(); // it may be the one that handles an event
+    if (!mirror->Widget()) return;
+    // The widget's focus goes elsewhere at once; the form's may still go where the program wants
+    // it.
+    const TScopedValue going(FGoing, true);
+    const bool hadFocus = mirror->Widget()->hasFocus();
+    mirror->Hide();
+    if (!hadFocus) return;
+    const auto follow = [this] {
+        if (QWidget* const focus = QApplication::focusWidget()) TakeFocus(*focus);
+    };
+    QMetaObject::invokeMethod(this, follow, Qt::QueuedConnection);
 }
 
 void TFrontEnd::SetRedraw(TControl& control, bool on) {
@@ -113,6 +138,10 @@ void TFrontEnd::Shown(TControl& control) {
             return;
         }
     }
+    // A window becomes modal before it is shown, or not at all.
+    auto* const form = ClassCast<TForm>(&control);
+    if (form && mirror->Widget() && !mirror->Widget()->isVisible())
+        mirror->Widget()->setWindowModality(form->Modal() ? Qt::ApplicationModal : Qt::NonModal);
     mirror->Sync();
 }
 
@@ -126,18 +155,79 @@ void TFrontEnd::Flush() {
         Shown(*control);
     }
     if (TMirror* const editor = MirrorOf(Ide().EditWindow().Editor())) editor->Sync();
-    if (!std::exchange(FMenuChanged, false)) return;
+    ShowActiveForm();
+    // A menu that is open, or is just being opened, is not taken from under the mouse.
+    if (FMenuOpens || QApplication::activePopupWidget() || !std::exchange(FMenuChanged, false))
+        return;
     if (auto* const main = dynamic_cast<TMainFormMirror*>(MirrorOf(Ide().MainForm())))
         main->SyncMenu();
 }
 
+/// When the active form is gone, the one behind it is active, as on any desktop.
+void TFrontEnd::ActivateNext() {
+    for (int i = 0; i < Screen()->FormCount(); ++i)
+        if (TForm* const form = Screen()->Forms(i); form->Visible() && WidgetOf(*form))
+            return (void)Ide().RunCommand([&] { Screen()->SetActiveForm(form); });
+}
+
+/// The window of a form that has become the active one comes to the front, also when the form
+/// stands in another's.
+void TFrontEnd::ShowActiveForm() {
+    if (!Screen()->ActiveForm() && !FWatched) ActivateNext();
+    TForm* const form = Screen()->ActiveForm();
+    QWidget* const widget = form && form->Visible() ? WidgetOf(*form) : nullptr;
+    QWidget* const window = widget ? widget->window() : nullptr;
+    // A question stays in front until it is answered.
+    const QWidget* const modal = QApplication::activeModalWidget();
+    if (modal && modal != window) return;
+    if (std::exchange(FActiveForm, form) == form) return;
+    if (!window || !window->isVisible() || window->isActiveWindow()) return;
+    window->raise();
+    window->activateWindow();
+}
+
 void TFrontEnd::Pump() {
+    if (!FWatched) PassTime();
     // A command that does nothing would still end what is undone as one piece of typing.
     if (FSession.OS().PendingMessages() > 0)
         Ide().PumpMessages();
     else
         Application()->Idle();
     Flush();
+    if (FWatched) return;
+    ShareClipboard();
+    const int beeps = FSession.OS().Beeps();
+    if (std::exchange(FBeeps, beeps) != beeps) QApplication::beep();
+    const auto next = FSession.OS().NextTimer();
+    if (!next)
+        FTick.stop();
+    else if (!FTick.isActive() || FTick.remainingTime() > static_cast<int>(*next))
+        FTick.start(static_cast<int>(*next));
+}
+
+/// The session's time stands still by itself.
+void TFrontEnd::PassTime() {
+    FSession.OS().AdvanceTime(static_cast<std::uint64_t>(FClock.restart()));
+}
+
+// --- The clipboard ----------------------------------------------------------------------------
+
+/// What the session has put on its clipboard goes to the desktop's.
+void TFrontEnd::ShareClipboard() {
+    const std::optional<std::string> text = FSession.OS().ClipboardText();
+    if (!text || *text == FClipboard) return;
+    FClipboard = *text;
+    QApplication::clipboard()->setText(FromText(*text));
+}
+
+/// What somebody has put on the desktop's goes to the session.
+void TFrontEnd::TakeClipboard() {
+    const QMimeData* const data = QApplication::clipboard()->mimeData();
+    if (!data || !data->hasText()) return;
+    std::string text = ToText(data->text());
+    if (text == FClipboard) return;
+    FClipboard = std::move(text);
+    FSession.OS().SetClipboardText(FClipboard);
 }
 
 void TFrontEnd::AsUser(const std::function<void()>& action) {
@@ -153,21 +243,103 @@ bool TFrontEnd::OfferKey(TShortCut key) {
 
 // --- Keys -------------------------------------------------------------------------------------
 
-/// Keys go the way that they go in the IDE before the widget that has the focus gets them.
+/// The mirror that a widget belongs to; null for one of a dialog that no form knows of.
+TMirror* TFrontEnd::MirrorAt(const QWidget* widget) const {
+    for (; widget; widget = widget->parentWidget())
+        for (const auto& [control, mirror] : FMirrors)
+            if (mirror->Widget() == widget) return mirror.get();
+    return nullptr;
+}
+
 bool TFrontEnd::eventFilter(QObject* object, QEvent* event) {
-    if (event->type() != QEvent::ShortcutOverride && event->type() != QEvent::KeyPress)
-        return QObject::eventFilter(object, event);
     auto* const widget = qobject_cast<QWidget*>(object);
-    if (!widget || widget != QApplication::focusWidget() || QApplication::activePopupWidget())
+    switch (widget ? event->type() : QEvent::None) {
+    case QEvent::ShortcutOverride:
+    case QEvent::KeyPress:
+        return Key(*widget, *event);
+    case QEvent::FocusIn:
+        TakeFocus(*widget);
         return false;
-    auto* const key = static_cast<QKeyEvent*>(event);
-    const TShortCut shortCut = ShortCutOf(*key);
-    if (event->type() == QEvent::ShortcutOverride) {
-        // No shortcut of Qt's own comes before the pack's; access keys of menus do.
-        if (shortCut != 0 && (shortCut & scAlt) == 0) event->accept();
+    case QEvent::ContextMenu:
+        return ContextMenu(*widget, static_cast<QContextMenuEvent*>(event)->globalPos());
+    default:
         return false;
     }
-    return shortCut != 0 && !IsTyped(*key) && OfferKey(shortCut);
+}
+
+namespace {
+
+/// Whether a field or a list has a use for the key that is another's in the main menu.
+bool IsEditKey(const QKeyEvent& key) {
+    constexpr QKeySequence::StandardKey keys[] = {QKeySequence::Copy,  QKeySequence::Cut,
+                                                  QKeySequence::Paste, QKeySequence::Undo,
+                                                  QKeySequence::Redo,  QKeySequence::SelectAll};
+    return std::any_of(std::begin(keys), std::end(keys),
+                       [&](QKeySequence::StandardKey each) { return key.matches(each); });
+}
+
+} // namespace
+
+/// Offers a key of the widget that has the focus. What edits a text is not the main menu's while
+/// the text is not the source's.
+bool TFrontEnd::OfferKey(const QWidget& widget, const QKeyEvent& key) {
+    const TMirror* const mirror = MirrorAt(&widget);
+    const bool isEditor = mirror && &mirror->Control() == &Ide().EditWindow().Editor();
+    if (isEditor || !IsEditKey(key)) return OfferKey(ShortCutOf(key));
+    TForm* const form = Screen()->ActiveForm();
+    bool taken = false;
+    const auto offer = [&] { taken = form && form->IsShortCut(ShortCutOf(key)); };
+    if (form != &Ide().MainForm() && !Ide().RunCommand(offer)) taken = true; // and has failed
+    if (taken) Pump();
+    return taken;
+}
+
+/// Keys go the way that they go in the IDE before the widget that has the focus gets them. Those
+/// of a message box are its own.
+bool TFrontEnd::Key(QWidget& widget, QEvent& event) {
+    QWidget* const focus = QApplication::focusWidget();
+    const bool goesHere = focus ? focus == &widget : widget.isWindow();
+    if (!goesHere) return false;
+    if (event.type() == QEvent::ShortcutOverride) FKeyDone = false;
+    if (QApplication::activePopupWidget()) return false;
+    // A window of Qt's own that stands in front of a form is the child of one.
+    const TMirror* const window = MirrorAt(widget.window());
+    if (!window || window->Widget() != widget.window()) return false;
+    const auto& key = static_cast<QKeyEvent&>(event);
+    const TShortCut shortCut = ShortCutOf(key);
+    const bool alt = (shortCut & scAlt) != 0;
+    // What Ctrl and Alt together give is a hot key first, and a character when it is none.
+    const bool offered = shortCut != 0 && (!IsTyped(key) || alt);
+    if (event.type() == QEvent::ShortcutOverride) {
+        // No shortcut of Qt's own comes before the pack's. An access key of a menu is one.
+        FKeyDone = offered && alt && OfferKey(widget, key);
+        if (shortCut != 0 && (!alt || FKeyDone)) event.accept();
+        return false;
+    }
+    if (std::exchange(FKeyDone, false)) return true;
+    return offered && OfferKey(widget, key);
+}
+
+/// The control of the widget that has got the focus has it as well.
+void TFrontEnd::TakeFocus(const QWidget& widget) {
+    TMirror* const mirror = FGoing ? nullptr : MirrorAt(&widget);
+    if (!mirror || mirror->Busy()) return;
+    TControl& control = mirror->Control();
+    TForm* const form = control.ParentForm();
+    if (!form || form == &control || form->ActiveControl() == &control || !control.CanFocus())
+        return;
+    AsUser([&] { control.SetFocus(); });
+}
+
+/// Shows the menu of a control where the mouse is; false when it has none.
+bool TFrontEnd::ContextMenu(QWidget& widget, QPoint place) {
+    TMirror* const mirror = MirrorAt(&widget);
+    TPopupMenu* const menu = mirror ? mirror->Control().PopupMenu() : nullptr;
+    if (!menu) return false;
+    const TScopedValue showing(FPopsUp, true);
+    FPopupPlace = place;
+    AsUser([&] { menu->Popup(&mirror->Control()); });
+    return true;
 }
 
 // --- Modal forms ------------------------------------------------------------------------------
@@ -177,7 +349,6 @@ void TFrontEnd::RunModal(TForm& form) {
     Pump();
     QWidget* const window = WidgetOf(form);
     if (!window) return;
-    window->setWindowModality(Qt::ApplicationModal);
     QEventLoop loop;
     QTimer watch; // the result may be set by anything
     connect(&watch, &QTimer::timeout, &loop, [&] {
@@ -191,6 +362,14 @@ void TFrontEnd::RunModal(TForm& form) {
 
 void TFrontEnd::MenuChanged(TMenu&) {
     FMenuChanged = true;
+}
+
+void TFrontEnd::OpenMenu(QMenu& menu, const TWeak<TMenuItem>& items) {
+    if (!items) return;
+    const TScopedValue opens(FMenuOpens, true);
+    // The item's handler may change what stands below it.
+    AsUser([&] { items->Click(); });
+    if (items) FillMenu(menu, *items);
 }
 
 void TFrontEnd::FillMenu(QMenu& menu, TMenuItem& items) {
@@ -209,12 +388,7 @@ void TFrontEnd::FillMenu(QMenu& menu, TMenuItem& items) {
             QMenu* const below = menu.addMenu(caption);
             below->setEnabled(item.Enabled());
             connect(below, &QMenu::aboutToShow, this,
-                    [this, below, weak = TWeak<TMenuItem>(&item)] {
-                        if (!weak) return;
-                        // The item's handler may change what stands below it.
-                        AsUser([&] { weak->Click(); });
-                        if (weak) FillMenu(*below, *weak);
-                    });
+                    [this, below, weak = TWeak<TMenuItem>(&item)] { OpenMenu(*below, weak); });
             FillMenu(*below, item);
             continue;
         }
@@ -238,6 +412,7 @@ void TFrontEnd::FillMenu(QMenu& menu, TMenuItem& items) {
 
 void TFrontEnd::Popup(TPopupMenu& menu) {
     if (FWatched) return;
+    if (FPopsUp) return ShowPopup(menu, FPopupPlace);
     QPoint place = QCursor::pos();
     if (auto* const control = ClassCast<TControl>(menu.PopupComponent.Get()))
         if (QWidget* const widget = WidgetOf(*control))

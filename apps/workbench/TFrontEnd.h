@@ -5,7 +5,9 @@
 #include "vcl/Forms.h"
 #include "vcl/TTextMeasure.h"
 
+#include <QElapsedTimer>
 #include <QObject>
+#include <QTimer>
 
 #include <deque>
 #include <functional>
@@ -14,6 +16,7 @@
 #include <unordered_set>
 #include <vector>
 
+class QKeyEvent;
 class QMenu;
 
 namespace tarn {
@@ -48,6 +51,9 @@ public:
     void RunModal(TForm& form);
     /// Shows a pop-up menu at a place of the screen.
     void ShowPopup(TPopupMenu& menu, QPoint place);
+    /// The user opens the menu of an item: what is below that is made anew; nothing when it is
+    /// gone.
+    void OpenMenu(QMenu& menu, const TWeak<TMenuItem>& items);
     /// The menu's items as actions of `menu`, made anew.
     void FillMenu(QMenu& menu, TMenuItem& items);
 
@@ -70,6 +76,16 @@ private:
     void Adopt(TControl& control);
     void Changed(TControl& control);
     void Shown(TControl& control);
+    TMirror* MirrorAt(const QWidget* widget) const;
+    bool Key(QWidget& widget, QEvent& event);
+    bool OfferKey(const QWidget& widget, const QKeyEvent& key);
+    void TakeFocus(const QWidget& widget);
+    bool ContextMenu(QWidget& widget, QPoint place);
+    void ShowActiveForm();
+    void ActivateNext();
+    void PassTime();
+    void ShareClipboard();
+    void TakeClipboard();
 
     TSession& FSession;
     bool FWatched;
@@ -80,6 +96,16 @@ private:
     std::unordered_set<const TControl*> FIsChanged;
     bool FFlushPosted = false;
     bool FMenuChanged = false;
+    bool FMenuOpens = false;
+    bool FGoing = false;                ///< a control is being freed
+    const TForm* FActiveForm = nullptr; ///< when it was looked up last; compared alone
+    bool FKeyDone = false;              ///< the key was taken before it was offered to access keys
+    QPoint FPopupPlace;     ///< where the menu of the second button is wanted, on the screen
+    bool FPopsUp = false;   ///< that menu is being shown
+    QElapsedTimer FClock;   ///< since time went by for the session's timers
+    QTimer FTick;           ///< the next of them
+    std::string FClipboard; ///< the text that the desktop and the session share
+    int FBeeps = 0;         ///< those that were heard
 };
 
 /// The font of the system with what a font of the pack's says.

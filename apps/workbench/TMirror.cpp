@@ -11,11 +11,23 @@ TMirror::TMirror(TFrontEnd& frontEnd, TControl& control, QWidget* widget)
 }
 
 TMirror::~TMirror() {
+    Hide();
+}
+
+void TMirror::Hide() {
     // The widget may be the one whose event is being handled.
-    if (FWidget) {
-        FWidget->hide();
-        FWidget->deleteLater();
+    QWidget* const widget = FWidget;
+    FWidget = nullptr;
+    if (!widget) return;
+    // What it still has to say, as the focus leaves it, is said of a control that is no more.
+    QObjectList parts = widget->findChildren<QObject*>();
+    parts << widget;
+    for (QObject* const part : parts) {
+        part->disconnect(this);
+        part->removeEventFilter(this);
     }
+    widget->hide();
+    widget->deleteLater();
 }
 
 namespace {
@@ -46,12 +58,20 @@ void TMirror::Sync() {
     if (!FWidget) return;
     const TScopedValue syncing(FSyncing, true);
     SyncPlace();
+    if (!FWidget) return;
     FWidget->setEnabled(FControl.Enabled());
     if (FControl.HasFont()) FWidget->setFont(FromFont(*FControl.FontObject()));
     FWidget->setToolTip(FromText(FControl.Hint()));
     SyncState();
+    if (!FWidget) return; // the focus has moved, and somebody has freed the control for that
     if (FWidget->accessibleName().isEmpty()) FWidget->setAccessibleName(SpokenName(FControl));
-    if (FControl.Focused() && !FWidget->hasFocus() && FWidget->isVisible()) FWidget->setFocus();
+    if (FControl.Focused() && !HasFocus() && FWidget->isVisible()) FWidget->setFocus();
+}
+
+/// Whether the widget or a part of it, such as the field of a cell, gets the keys.
+bool TMirror::HasFocus() const {
+    const QWidget* const focus = FWidget->window()->focusWidget();
+    return FWidget->hasFocus() || (focus && FWidget->isAncestorOf(focus));
 }
 
 } // namespace tarn

@@ -24,6 +24,10 @@ public:
 
     /// Brings the widget up to date.
     void Sync();
+    /// Takes the widget away; the mirror is done with then.
+    void Hide();
+    /// Whether the widget is being brought up to date.
+    bool Busy() const { return FSyncing; }
     /// The control's children have changed their order or number.
     virtual void ChildrenChanged() {}
 
@@ -36,6 +40,7 @@ protected:
     virtual void SyncPlace();
 
 private:
+    bool HasFocus() const;
     TFrontEnd& FFrontEnd;
     TControl& FControl;
     QPointer<QWidget> FWidget; ///< owned

@@ -6,6 +6,7 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPointer>
 
 namespace tarn {
 namespace {
@@ -25,12 +26,29 @@ QMessageBox::Icon IconOf(std::uint32_t flags) {
     }
 }
 
+/// The window that a dialog belongs to, which is the active one again when that is closed.
+class TDialogOwner {
+public:
+    TDialogOwner() : FWindow(QApplication::activeWindow()) {}
+    TDialogOwner(const TDialogOwner&) = delete;
+    TDialogOwner& operator=(const TDialogOwner&) = delete;
+    ~TDialogOwner() {
+        if (FWindow && FWindow->isVisible() && !QApplication::activeWindow())
+            FWindow->activateWindow();
+    }
+    QWidget* Window() const { return FWindow; }
+
+private:
+    QPointer<QWidget> FWindow;
+};
+
 } // namespace
 
 TDialogAnswer TQtDialogs::MessageBox(std::string_view text, std::string_view caption,
                                      std::uint32_t flags) {
+    const TDialogOwner owner;
     QMessageBox box(IconOf(flags), FromText(caption), FromText(text), QMessageBox::NoButton,
-                    QApplication::activeWindow());
+                    owner.Window());
     box.setTextFormat(Qt::PlainText);
     const std::uint32_t buttons = flags & 0xF;
     if (buttons == MB_OK) {
@@ -54,8 +72,9 @@ TDialogAnswer TQtDialogs::MessageBox(std::string_view text, std::string_view cap
 
 std::optional<std::string> TQtDialogs::SelectDirectory(std::string_view title,
                                                        std::string_view folder) {
-    const QString chosen = QFileDialog::getExistingDirectory(QApplication::activeWindow(),
-                                                             FromText(title), FromText(folder));
+    const TDialogOwner owner;
+    const QString chosen =
+        QFileDialog::getExistingDirectory(owner.Window(), FromText(title), FromText(folder));
     return chosen.isEmpty() ? std::nullopt : std::optional(ToText(chosen));
 }
 
@@ -71,7 +90,8 @@ QString FilterOf(std::string_view filter) {
 }
 
 std::optional<std::string> TQtDialogs::ChooseFile(const TFileQuestion& question) {
-    QFileDialog dialog(QApplication::activeWindow(), FromText(question.Title));
+    const TDialogOwner owner;
+    QFileDialog dialog(owner.Window(), FromText(question.Title));
     dialog.setNameFilters(FilterOf(question.Filter).split(";;"));
     dialog.setAcceptMode(question.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(question.Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
@@ -84,10 +104,10 @@ std::optional<std::string> TQtDialogs::ChooseFile(const TFileQuestion& question)
 
 std::optional<std::string> TQtDialogs::InputText(std::string_view caption, std::string_view prompt,
                                                  std::string_view value) {
+    const TDialogOwner owner;
     bool accepted = false;
-    const QString text =
-        QInputDialog::getText(QApplication::activeWindow(), FromText(caption), FromText(prompt),
-                              QLineEdit::Normal, FromText(value), &accepted);
+    const QString text = QInputDialog::getText(owner.Window(), FromText(caption), FromText(prompt),
+                                               QLineEdit::Normal, FromText(value), &accepted);
     return accepted ? std::optional(ToText(text)) : std::nullopt;
 }
 

@@ -1,0 +1,117 @@
+// Message boxes, questions for a text, a file, a folder, and the window of the language modules.
+
+#include "TWorkbenchHarness.h"
+#include "vcl/TStringGrid.h"
+
+namespace tarn {
+namespace {
+
+using WorkbenchDialogs = TWorkbenchTest;
+
+TEST_F(WorkbenchDialogs, EachAnswerOfAMessageBox) {
+    const struct {
+        std::uint32_t Flags;
+        const char* Answer;
+        TDialogAnswer Result;
+    } rows[] = {
+        {MB_OK | MB_ICONERROR, "OK", IDOK},
+        {MB_OK, "Esc", IDOK},
+        {MB_OK, "x", IDOK},
+        {MB_OK, "Return", IDOK},
+        {MB_YESNO, "Yes", IDYES},
+        {MB_YESNO, "No", IDNO},
+        {MB_YESNO, "Esc", IDNO},
+        {MB_YESNO, "x", IDNO},
+        {MB_YESNO, "Return", IDYES},
+        {MB_YESNOCANCEL, "Yes", IDYES},
+        {MB_YESNOCANCEL, "No", IDNO},
+        {MB_YESNOCANCEL, "Cancel", IDCANCEL},
+        {MB_YESNOCANCEL, "Esc", IDCANCEL},
+        {MB_YESNOCANCEL, "x", IDCANCEL},
+        {MB_YESNOCANCEL, "Alt+N", IDNO},
+    };
+    for (const auto& row : rows) {
+        ThenAnswer(row.Answer);
+        EXPECT_EQ(Session.OS().MessageBox(0, "<b>Text</b>", "Title", row.Flags), row.Result)
+            << row.Flags << row.Answer;
+    }
+    EXPECT_EQ(Asked.substr(0, 12), "<b>Text</b>\n"); // no markup
+}
+
+TEST_F(WorkbenchDialogs, KeysOfABoxAreNotThoseOfTheWindowsBehind) {
+    Open({"A.pas"}, "a\r\nb");
+    Session.Ide().RunCommand([&] { Buffer().View()->Select({1, 1}, {2, 1}); });
+    Settle();
+    Then([this](QWidget&) { Press({"Ctrl+.", "Ctrl+Shift+Q", "Esc"}); });
+    Session.OS().MessageBox(0, "Text", "Title", MB_YESNO);
+    EXPECT_EQ(Text(), "a\r\nb");
+    EXPECT_EQ(ActiveName(), "EditWindow_0");
+    Press("Ctrl+.");
+    EXPECT_EQ(Text(), " a\r\nb");
+}
+
+TEST_F(WorkbenchDialogs, TextsAndFiles) {
+    const auto input = [&](const char* answer) {
+        ThenType("new", answer);
+        return Session.OS().InputText("Title", "Prompt", "old").value_or("-");
+    };
+    EXPECT_EQ(input("Return"), "new");
+    EXPECT_EQ(input("OK"), "new");
+    EXPECT_EQ(input("Cancel"), "-");
+    EXPECT_EQ(input("Esc"), "-");
+
+    WriteFile("there.txt", "x");
+    const std::string filter = "Texts (*.txt)|*.txt|All files(*.*)|*.*";
+    const auto choose = [&](bool save, const std::string& name, const char* answer) {
+        ThenType(FromText(Folder.File(name)), answer);
+        const auto file = Session.OS().ChooseFile(
+            {.Save = save, .Filter = filter, .DefaultExt = ".txt", .OverwritePrompt = save});
+        return file ? std::filesystem::path(*file).filename().string() : "-";
+    };
+    EXPECT_EQ(choose(false, "there.txt", "Return"), "there.txt");
+    EXPECT_EQ(choose(false, "there.txt", "Esc"), "-");
+    EXPECT_EQ(choose(false, "there.txt", "Cancel"), "-");
+    EXPECT_EQ(choose(true, "other", "Save"), "other.txt");
+    EXPECT_EQ(choose(true, "there.txt", "Esc"), "-");
+    ThenType(FromText(Folder.Path()), "Choose");
+    EXPECT_EQ(Session.OS().SelectDirectory("Title", "/").value_or("-"), Folder.Path());
+    ThenType(FromText(Folder.Path()), "Esc");
+    EXPECT_EQ(Session.OS().SelectDirectory("Title", "/").value_or("-"), "-");
+}
+
+TEST_F(WorkbenchDialogs, LanguageModulesAreTypedIntoTheGrid) {
+    Then([this](QWidget&) {
+        EXPECT_EQ(Component<TStringGrid>("LocaleGrid").RowCount(), 4);
+        Press("Ctrl+A"); // a new row
+        auto& grid = static_cast<QTableWidget&>(Widget("LocaleGrid"));
+        EXPECT_EQ(grid.currentRow(), 3);
+        const auto cell = [&](int col) { return grid.visualItemRect(grid.item(3, col)).center(); };
+        DoubleClick(*grid.viewport(), cell(0));
+        Type("Elvish");
+        Press("Return");
+        DoubleClick(*grid.viewport(), cell(1));
+        Type("elf");
+        Press({"Left", "Left"});
+        Type("x"); // where the caret is
+        EXPECT_EQ(Component<TStringGrid>("LocaleGrid").Cell(1, 4), "exlf");
+        Click("tbOk"); // while the text is being typed
+    });
+    ClickMenu({"TarnExperts", "Settings", "Language", "Modules..."});
+    Wait([&] { return ActiveName() == "IdeMainForm"; });
+    const std::string modules = ReadFile("registry");
+    EXPECT_NE(modules.find("Elvish=exlf"), std::string::npos) << modules;
+    Then([this](QWidget&) {
+        auto& grid = static_cast<QTableWidget&>(Widget("LocaleGrid"));
+        Click(*grid.viewport(), grid.visualItemRect(grid.item(3, 0)).center());
+        ThenAnswer("Yes");
+        Press("Ctrl+D");
+        EXPECT_EQ(grid.rowCount(), 3);
+        Press("Esc");
+    });
+    ClickMenu({"TarnExperts", "Settings", "Language", "Modules..."});
+    Wait([&] { return ActiveName() == "IdeMainForm"; });
+    EXPECT_EQ(ReadFile("registry"), modules); // cancelled
+}
+
+} // namespace
+} // namespace tarn
