@@ -212,19 +212,26 @@ void TFrontEnd::PassTime() {
 
 // --- The clipboard ----------------------------------------------------------------------------
 
+/// A text of ours on the desktop's clipboard, which has no bytes that are no characters.
+constexpr const char* BytesFormat = "application/x-tarnexperts-text";
+
 /// What the session has put on its clipboard goes to the desktop's.
 void TFrontEnd::ShareClipboard() {
     const std::optional<std::string> text = FSession.OS().ClipboardText();
     if (!text || *text == FClipboard) return;
     FClipboard = *text;
-    QApplication::clipboard()->setText(FromText(*text));
+    auto* const data = new QMimeData; // the clipboard's
+    data->setText(FromText(*text));
+    data->setData(BytesFormat, QByteArray(text->data(), static_cast<qsizetype>(text->size())));
+    QApplication::clipboard()->setMimeData(data);
 }
 
 /// What somebody has put on the desktop's goes to the session.
 void TFrontEnd::TakeClipboard() {
     const QMimeData* const data = QApplication::clipboard()->mimeData();
     if (!data || !data->hasText()) return;
-    std::string text = ToText(data->text());
+    std::string text =
+        data->hasFormat(BytesFormat) ? data->data(BytesFormat).toStdString() : ToText(data->text());
     if (text == FClipboard) return;
     FClipboard = std::move(text);
     FSession.OS().SetClipboardText(FClipboard);

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QClipboard>
 #include <QtTest>
 
 #include <algorithm>
@@ -120,7 +121,9 @@ protected:
 /// The editor of the workbench.
 class TDesktopEditor final : public TEditorDriver {
 public:
-    TDesktopEditor() : Front(std::make_unique<TFrontEnd>(Session)) {
+    TDesktopEditor() {
+        QApplication::clipboard()->clear();
+        Front = std::make_unique<TFrontEnd>(Session);
         Front->Flush();
         QWidget* const window = Front->WidgetOf(Ide().MainForm());
         window->show();

@@ -54,7 +54,7 @@ protected:
     }
     /// Opens files with that text in the editor.
     void Open(const std::vector<std::string>& names, std::string_view text = "text") {
-        for (const std::string& name : names) Bench->Open(FromText(WriteFile(name, text)));
+        for (const std::string& name : names) Bench->Open(WriteFile(name, text));
         Settle();
     }
     TSourceBuffer& Buffer() { return *Session.Ide().CurrentBuffer(); }
