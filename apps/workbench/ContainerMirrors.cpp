@@ -70,6 +70,7 @@ bool THeaderMirror::eventFilter(QObject*, QEvent* event) {
 TScrollBoxMirror::TScrollBoxMirror(TFrontEnd& frontEnd, TScrollBox& box)
     : TMirrorOf(frontEnd, box, new QScrollArea) {
     View().setWidget(new QWidget);
+    View().setFocusPolicy(Qt::NoFocus); // a focus that nobody would see
     View().setFrameStyle(QFrame::NoFrame);
     View().setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connect(View().verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {

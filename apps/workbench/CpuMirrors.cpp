@@ -7,7 +7,7 @@
 namespace tarn {
 namespace {
 
-constexpr int Margin = 4; // pixels
+constexpr int PaneMargin = 4; // pixels
 
 void MakePane(QWidget& widget) {
     widget.setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
@@ -23,7 +23,7 @@ void MakePane(QWidget& widget) {
 TCpuValuesMirror::TCpuValuesMirror(TFrontEnd& frontEnd, TCpuPane& pane)
     : TMirrorOf(frontEnd, pane, new QLabel) {
     MakePane(View());
-    View().setMargin(Margin);
+    View().setMargin(PaneMargin);
     View().setAlignment(Qt::AlignLeft | Qt::AlignTop);
     View().setTextFormat(Qt::PlainText);
 }
@@ -56,7 +56,7 @@ std::vector<TAddressMirror::TRow> TAddressMirror::Rows() const {
     std::vector<TRow> rows;
     const int height = View().fontMetrics().height();
     std::uint32_t address = FTop;
-    for (int top = Margin; top < View().height(); address = Self().NextRow(address)) {
+    for (int top = PaneMargin; top < View().height(); address = Self().NextRow(address)) {
         const QStringList lines = FromText(Self().RowText(address)).split('\n');
         const int size = height * static_cast<int>(lines.size());
         rows.push_back({address, QRect(0, top, View().width(), size), lines});
@@ -92,7 +92,7 @@ void TAddressMirror::Paint() {
             painter.setPen(palette.color(marked   ? QPalette::HighlightedText
                                          : isLast ? QPalette::Text
                                                   : QPalette::Link));
-            painter.drawText(place.adjusted(Margin, 0, 0, 0), Qt::AlignLeft, row.Lines[i]);
+            painter.drawText(place.adjusted(PaneMargin, 0, 0, 0), Qt::AlignLeft, row.Lines[i]);
         }
     }
     painter.setPen(palette.color(QPalette::Mid));

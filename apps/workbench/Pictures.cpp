@@ -12,7 +12,7 @@
 namespace tarn {
 namespace {
 
-constexpr int TitleHeight = 28, Margin = 16; // pixels
+constexpr int TitleHeight = 28, PictureMargin = 16; // pixels
 
 /// A visible window, and where it stands in the picture, its title included.
 struct TShownWindow {
@@ -81,7 +81,7 @@ void SavePicture(TFrontEnd& frontEnd, const std::filesystem::path& folder, const
     Arrange(windows);
     QRect all;
     for (const TShownWindow& each : windows) all |= each.Place;
-    all.adjust(-Margin, -Margin, Margin, Margin);
+    all.adjust(-PictureMargin, -PictureMargin, PictureMargin, PictureMargin);
     const qreal ratio = windows[0].Window->devicePixelRatioF();
     QPixmap picture(all.size() * ratio);
     picture.setDevicePixelRatio(ratio);

@@ -6,6 +6,8 @@
 #include "TFrontEnd.h"
 
 #include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMenu>
@@ -82,6 +84,7 @@ TEditorMirror::TEditorMirror(TFrontEnd& frontEnd, TControl& control)
     QsciScintilla& view = View();
     view.setMarginType(0, QsciScintilla::NumberMargin);
     view.setMarginWidth(1, 0);
+    view.SendScintilla(QsciScintilla::SCI_SETMARGINLEFT, 0, 4); // pixels before the text
     view.setIndentationsUseTabs(false);
     view.setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     view.SendScintilla(QsciScintilla::SCI_SETMULTIPLESELECTION, 0);
@@ -157,6 +160,7 @@ void TEditorMirror::ShowBuffer(TSourceBuffer* buffer) {
     FDocument = &FDocuments[buffer];
     FDocument->Buffer = buffer;
     View().setDocument(FDocument->Document);
+    View().setScrollWidth(1); // not that of the file before
     // These belong to the document.
     constexpr int modes[] = {QsciScintilla::SC_EOL_CRLF, QsciScintilla::SC_EOL_LF,
                              QsciScintilla::SC_EOL_CR};
@@ -312,6 +316,9 @@ void TEditorMirror::ShowColumns(const TSourceBuffer& buffer) {
         show(i, caretLeft ? left : right, QsciScintilla::SCI_SETSELECTIONNCARET,
              QsciScintilla::SCI_SETSELECTIONNCARETVIRTUALSPACE);
     }
+    // The widget does so with other blocks only, and one that it does not own is partly grey.
+    if (QApplication::clipboard()->supportsSelection() && source.HasBlock())
+        QApplication::clipboard()->setText(FromText(source.BlockText()), QClipboard::Selection);
 }
 
 int TEditorMirror::ColumnWidth() const {

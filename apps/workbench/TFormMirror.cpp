@@ -1,8 +1,11 @@
 #include "TFormMirror.h"
 
+#include "Source/TSourceBuffer.h"
 #include "TFrontEnd.h"
+#include "rtl/SysUtils.h"
 
 #include <QScreen>
+#include <QStatusBar>
 
 namespace tarn {
 
@@ -31,7 +34,8 @@ QPoint OnScreen(const QWidget& window, const TRect& at) {
 
 } // namespace
 
-/// The window stands where the form says when it appears, and the form where the user moves it.
+/// The window stands where the form says when it appears, and the form where the user moves it. A
+/// form without controls has nothing to show: it only says that a question is open.
 void TFormMirror::SyncPlace() {
     const TRect& at = Self().BoundsRect();
     if (QRect(View().pos(), View().size()) != QRect(at.Left, at.Top, at.Width, at.Height)) {
@@ -45,12 +49,12 @@ void TFormMirror::SyncPlace() {
     const Qt::WindowStates states[] = {Qt::WindowNoState, Qt::WindowMinimized, Qt::WindowMaximized};
     if (View().windowState() != states[Self().WindowState()] && !View().isActiveWindow())
         View().setWindowState(states[Self().WindowState()]);
-    View().setVisible(Self().Visible());
+    View().setVisible(Self().Visible() && Self().ControlCount() > 0);
 }
 
 void TFormMirror::SyncState() {
     View().setWindowTitle(FromText(Self().Caption()));
-    if (Self().Visible() && Screen()->ActiveForm() == &Self() && !View().isActiveWindow()) {
+    if (View().isVisible() && Screen()->ActiveForm() == &Self() && !View().isActiveWindow()) {
         View().raise();
         View().activateWindow();
     }
@@ -94,12 +98,30 @@ bool TFormMirror::eventFilter(QObject* object, QEvent* event) {
 
 TMainFormMirror::TMainFormMirror(TFrontEnd& frontEnd, TIdeMainForm& form)
     : TFormMirror(frontEnd, form, new QMainWindow) {
-    Window().resize(1000, 700);
+    constexpr int frame = 40; // pixels for what the desktop puts around it
+    const QSize room = Window().screen()->availableSize() - QSize(0, frame);
+    Window().resize(QSize(1000, 700).boundedTo(room));
+    FPlace->setTextFormat(Qt::PlainText);
+    Window().statusBar()->addPermanentWidget(FPlace);
     SyncMenu();
 }
 
 void TMainFormMirror::SyncState() {
-    Window().setWindowTitle(FromText(Application()->Title));
+    ShowFile();
+}
+
+void TMainFormMirror::ShowFile() {
+    QString title = FromText(Application()->Title), place;
+    if (const TSourceBuffer* const buffer = FrontEnd().Ide().CurrentBuffer()) {
+        const TTextPos cursor = buffer->View()->Cursor();
+        const bool modified = buffer->Modified();
+        title =
+            FromText(ExtractFileName(buffer->FileName())) + (modified ? " * - " : " - ") + title;
+        place =
+            QString("%1: %2%3").arg(cursor.Row).arg(cursor.Col).arg(modified ? "   Modified" : "");
+    }
+    Window().setWindowTitle(title);
+    FPlace->setText(place);
 }
 
 void TMainFormMirror::SyncMenu() {

@@ -4,6 +4,7 @@
 #include "Windows/TEditWindow.h"
 #include "Windows/TIdeMainForm.h"
 
+#include <QLabel>
 #include <QMainWindow>
 
 namespace tarn {
@@ -33,6 +34,8 @@ public:
     TMainFormMirror(TFrontEnd& frontEnd, TIdeMainForm& form);
 
     QMainWindow& Window() const { return static_cast<QMainWindow&>(*Widget()); }
+    /// Shows which file is the current one, where its cursor is, and whether it is saved.
+    void ShowFile();
     /// Shows the menu bar as it is now.
     void SyncMenu();
     /// Opens the menus down to that of the item, or the one that holds an item without a menu; the
@@ -43,6 +46,9 @@ protected:
     void SyncPlace() override {}
     void SyncState() override;
     void UserCloses() override;
+
+private:
+    QLabel* const FPlace = new QLabel; ///< of the status bar
 };
 
 /// The window of the source editor stands in the main one.

@@ -4,6 +4,7 @@
 #include "TFormMirror.h"
 #include "vcl/TScrollBox.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -156,11 +157,13 @@ void TFrontEnd::Flush() {
     }
     if (TMirror* const editor = MirrorOf(Ide().EditWindow().Editor())) editor->Sync();
     ShowActiveForm();
+    auto* const main = dynamic_cast<TMainFormMirror*>(MirrorOf(Ide().MainForm()));
+    if (!main) return;
+    main->ShowFile();
     // A menu that is open, or is just being opened, is not taken from under the mouse.
     if (FMenuOpens || QApplication::activePopupWidget() || !std::exchange(FMenuChanged, false))
         return;
-    if (auto* const main = dynamic_cast<TMainFormMirror*>(MirrorOf(Ide().MainForm())))
-        main->SyncMenu();
+    main->SyncMenu();
 }
 
 /// When the active form is gone, the one behind it is active, as on any desktop.
@@ -402,17 +405,21 @@ void TFrontEnd::FillMenu(QMenu& menu, TMenuItem& items) {
         item.InitiateAction();
         QAction* const action = menu.addAction(caption);
         action->setEnabled(item.Enabled());
-        action->setCheckable(item.Checked() || item.RadioItem());
+        action->setCheckable(item.Checked()); // others have no box, radio items among them
         action->setChecked(item.Checked());
+        if (item.RadioItem()) action->setActionGroup(new QActionGroup(action));
         if (item.ShortCut() != 0)
             action->setText(caption + "\t" + FromText(ShortCutToText(item.ShortCut())));
         connect(action, &QAction::triggered, this, [this, weak = TWeak<TMenuItem>(&item)] {
             // When the menu is closed: the command may open windows.
-            QTimer::singleShot(0, this, [this, weak] {
-                if (!weak) return;
-                Ide().ClickMenuItem(*weak);
-                Pump();
-            });
+            QMetaObject::invokeMethod(
+                this,
+                [this, weak] {
+                    if (!weak) return;
+                    Ide().ClickMenuItem(*weak);
+                    Pump();
+                },
+                Qt::QueuedConnection);
         });
     }
 }

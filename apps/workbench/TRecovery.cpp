@@ -5,27 +5,29 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <system_error>
 
 namespace tarn {
 
 namespace {
 
-/// Whether a text has waited long enough since the first change that is not in its file.
-bool IsDue(std::optional<TRecovery::TTime>& since, TRecovery::TTime now,
-           std::chrono::seconds delay) {
+/// Whether a text has waited long enough since the first change that is not in its file; without
+/// `now` none waits.
+bool IsDue(std::optional<TRecovery::TTime>& since, std::optional<TRecovery::TTime> now) {
+    if (!now) return true;
     if (!since) since = now;
-    return now - *since >= delay;
+    return *now - *since >= TRecovery::Delay;
 }
 
 } // namespace
 
 void TRecovery::Follow(TBuffers buffers, TTime now) {
-    Follow(buffers, now, Delay);
+    Follow(buffers, std::optional(now));
 }
 
 void TRecovery::WriteNow(TBuffers buffers) {
     WaitForDisk(); // it may be writing an older text
-    Follow(buffers, {}, std::chrono::seconds(0));
+    Follow(buffers, std::nullopt);
     WaitForDisk();
 }
 
@@ -34,7 +36,7 @@ void TRecovery::WaitForDisk() {
     Collect();
 }
 
-void TRecovery::Follow(TBuffers buffers, TTime now, std::chrono::seconds delay) {
+void TRecovery::Follow(TBuffers buffers, std::optional<TTime> now) {
     if (!Collect()) return;
     DropSaved();
     std::vector<TSnapshot> snapshots;
@@ -42,27 +44,36 @@ void TRecovery::Follow(TBuffers buffers, TTime now, std::chrono::seconds delay) 
         if (!buffer->Modified()) continue;
         const TEditText& text = buffer->Text();
         TEntry& entry = EntryOf(*buffer);
-        if (entry.Written == text.Revision() || !IsDue(entry.Since, now, delay)) continue;
+        if (entry.Written == text.Revision() || !IsDue(entry.Since, now)) continue;
         entry.Waiting = text.Revision();
         entry.Since.reset();
         snapshots.push_back(
             {entry.File, {buffer->FileName(), buffer->Identity(), text.Size(), text.Text()}});
     }
     if (snapshots.empty()) return;
-    // A big text takes longer to reach the disk than a user waits for a key.
-    FWriting = std::async(std::launch::async, [all = std::move(snapshots)] { return Write(all); });
+    try {
+        // A big text takes longer to reach the disk than a user waits for a key.
+        FWriting =
+            std::async(std::launch::async, [all = std::move(snapshots)] { return Write(all); });
+    } catch (const std::system_error& error) { // no thread is to be had
+        Written(error.what());
+    }
 }
 
 /// Takes the result of the thread; false while that is at work.
 bool TRecovery::Collect() {
     if (!FWriting.valid()) return true;
     if (FWriting.wait_for(std::chrono::seconds(0)) != std::future_status::ready) return false;
-    FError = FWriting.get();
+    Written(FWriting.get());
+    return true;
+}
+
+void TRecovery::Written(const std::string& error) {
+    FError = error;
     for (TEntry& entry : FEntries) {
         if (entry.Waiting != 0 && FError.empty()) entry.Written = entry.Waiting;
         entry.Waiting = 0;
     }
-    return true;
 }
 
 /// Removes the files of buffers that are saved, undone or closed.

@@ -66,8 +66,9 @@ private:
     };
 
     TEntry& EntryOf(TSourceBuffer& buffer);
-    void Follow(TBuffers buffers, TTime now, std::chrono::seconds delay);
+    void Follow(TBuffers buffers, std::optional<TTime> now);
     bool Collect();
+    void Written(const std::string& error);
     void DropSaved();
     static std::string Write(const std::vector<TSnapshot>& snapshots);
 

@@ -59,6 +59,10 @@ constexpr TWorkbench::TCommandRow TWorkbench::CommandRows[] = {
     {"SearchBackItem", "SearchAgainItem", "Search Again &Backwards", scShift | VK_F3,
      &TWorkbench::FindBefore, neFile},
     {"SearchGoToItem", "", "", scCtrl | 'G', &TWorkbench::GoToLine, neFile},
+    {"ViewNextFileItem", "ViewFormItem", "&Next File", scCtrl | VK_TAB, &TWorkbench::ShowNextFile,
+     neFile},
+    {"ViewFileBeforeItem", "ViewNextFileItem", "File &Before", scShift | scCtrl | VK_TAB,
+     &TWorkbench::ShowFileBefore, neFile},
     {"ViewCpuWindowItem", "ViewToggleFormItem", "&CPU Window", scCtrl | scAlt | 'C',
      &TWorkbench::ShowCpu, neStop},
     {"HelpAboutItem", "", "", 0, &TWorkbench::ShowAbout, neNothing},
@@ -240,6 +244,15 @@ void TWorkbench::OpenFiles() {
                     "*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpk;*.bpg|"
                     "Recordings of stopped programs (*.cpu)|*.cpu|All files (*.*)|*.*";
     if (dialog.Execute()) Open(dialog.FileName);
+}
+
+/// Goes round along the tabs.
+void TWorkbench::ShowTab(int step) {
+    const std::vector<TSourceBuffer*> tabs = FSession.Ide().EditWindow().Tabs();
+    const auto current = std::find(tabs.begin(), tabs.end(), FSession.Ide().CurrentBuffer());
+    const int count = static_cast<int>(tabs.size());
+    const int index = static_cast<int>(current - tabs.begin());
+    if (current != tabs.end()) tabs[(index + count + step) % count]->Show();
 }
 
 void TWorkbench::SaveAs() {

@@ -60,6 +60,9 @@ private:
     bool Has(TNeed need) const;
     void OpenFiles();
     void SaveAs();
+    void ShowTab(int step);
+    void ShowNextFile() { ShowTab(1); }
+    void ShowFileBefore() { ShowTab(-1); }
     void Leave();
     void Find() { FFinder.Find(); }
     void FindAgain() { FFinder.FindAgain(false); }

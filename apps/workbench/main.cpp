@@ -45,7 +45,8 @@ int PlayScript(const std::string& file, const std::string& pictures) {
         QApplication::processEvents();
     };
     if (!pictures.empty()) {
-        InstallTextMeasure(&frontEnd); // texts are to fit as they do for a user
+        InstallTextMeasure(&frontEnd);         // texts are to fit as they do for a user
+        if (window) window->resize(1000, 700); // whatever room there is
         script.OnPicture = [&](const std::string& name, TMenuItem* item) {
             script.OnStatement();
             SavePicture(frontEnd, pictures, name, item);
@@ -66,7 +67,7 @@ struct TOptions {
     std::string Script;
     std::string Pictures;
     std::string PackageDir;
-    TTheme Theme = thSystem;
+    std::string Theme = "system";
 };
 
 /// The folder for what the program keeps for its user: that of the pack's settings, or the user's
@@ -138,15 +139,17 @@ int Main(int argc, char** argv) {
     app.set_version_flag("--version", std::string("tarn-workbench ") + TARN_VERSION);
     TOptions options;
     app.add_option("FILE", options.Files, "Files, projects and groups to open");
-    app.add_option("--script", options.Script, "Play a script of IDE actions, and end");
-    app.add_option("--screenshots", options.Pictures,
-                   "Folder for the pictures that a script takes");
+    CLI::Option* const script =
+        app.add_option("--script", options.Script, "Play a script of IDE actions, and end");
+    app.add_option("--screenshots", options.Pictures, "Folder for the pictures that a script takes")
+        ->needs(script);
     app.add_option("--package-dir", options.PackageDir, "Folder of the pack's settings")
         ->envname("TARN_PACKAGE_DIR");
+    const std::map<std::string, TTheme> themes = {
+        {"dark", thDark}, {"light", thLight}, {"system", thSystem}};
     app.add_option("--theme", options.Theme,
-                   "Colours of the windows, light or dark; system for those of the desktop")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, TTheme>{
-            {"system", thSystem}, {"light", thLight}, {"dark", thDark}}))
+                   "Colours of the windows; system for those of the desktop")
+        ->check(CLI::IsMember({"system", "light", "dark"}))
         ->type_name("THEME");
 
     std::vector<char*> args(argv, argv + argc);
@@ -167,7 +170,7 @@ int Main(int argc, char** argv) {
     ShowOtherMessage = qInstallMessageHandler(TakeQtMessage);
     const QApplication application(qtCount, qtArgs.data());
     if (qtCount > 1) return Report(ExitUsage, "unknown option " + std::string(qtArgs[1]));
-    ApplyTheme(options.Theme);
+    ApplyTheme(themes.at(options.Theme));
     try {
         return options.Script.empty() ? Run(options) : PlayScript(options.Script, options.Pictures);
     } catch (const EScriptError& error) {

@@ -370,6 +370,10 @@ TEST_F(ModulesTest, SaveAsTakesTheFormAlong) {
     OpenText("", "Other.pas");
     TIdeModule& module = Ide->Modules().Items(0);
     EXPECT_THROW(module.SaveAs(Path("Other.pas")), EInvalidOperation);
+    Write("New.dfm", "else's");
+    EXPECT_THROW(module.SaveAs(Path("New.pas")), EInvalidOperation); // nobody has asked about that
+    EXPECT_EQ(Read("New.dfm"), "else's");
+    Write("New.pas", "old");
     module.SaveAs(Path("New.pas"));
     EXPECT_EQ(Read("New.pas") + Read("New.dfm"), "abcobject Form1: TForm1");
     EXPECT_EQ(Editors(module), (Strings{"source New.pas", "form New.dfm"}));

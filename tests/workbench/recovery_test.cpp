@@ -120,7 +120,7 @@ TEST_F(Recovery, FollowsTheBuffers) {
     TIde& ide = session.Ide();
     Write("A.pas", "a");
     Write("B.pas", "b");
-    TRecovery::TTime now{};
+    auto now = TRecovery::TTime::clock::now();
     TRecovery recovery(Root());
     /// A second goes by, or as long as a change waits; what is written by then is on disk.
     const auto go = [&](std::chrono::seconds by) {
@@ -155,6 +155,7 @@ TEST_F(Recovery, FollowsTheBuffers) {
     ide.CurrentModule()->SaveAs(Path("C.pas"));
     EXPECT_EQ(go(second), TTexts{});
     ide.TypeText("6");
+    EXPECT_EQ(go(second), TTexts{}); // it waits, but not for the end of the program
     recovery.WriteNow(Buffers(session));
     EXPECT_EQ(Kept(), TTexts{"56a"});
     recovery.Forget(); // a user who did not want it saved

@@ -63,5 +63,8 @@ int main(int argc, char** argv) {
     const QApplication application(argc, argv);
     if (!onDisplay) GTEST_FLAG_SET(filter, "-OnDisplay.*");
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    // What waits for the next event to be freed is no leak.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return result;
 }

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtTest>
 #include <QtWidgets>
 
 #include <fstream>
@@ -257,6 +258,58 @@ TEST_F(Workbench, FindsForthAndBackAndAroundTheEnd) {
               (Strings{"\"nowhere\" was not found", "There is no line 0: the lines are 1 to 3",
                        "There is no line 4: the lines are 1 to 3",
                        "There is no line x: the lines are 1 to 3"}));
+}
+
+TEST_F(Workbench, KeysInADialogDoNotReachTheEditorBehind) {
+    Bench->Open(Write("A.pas", "unit A;"));
+    const auto edits = [](QWidget& line) {
+        QTest::keyClicks(&line, "ab");
+        for (const Qt::Key key : {Qt::Key_A, Qt::Key_C, Qt::Key_X, Qt::Key_V, Qt::Key_V})
+            QTest::keyClick(&line, key, Qt::ControlModifier);
+    };
+    QString sought;
+    WithNext<QDialog>([&](QDialog& dialog) {
+        auto& line = *dialog.findChild<QLineEdit*>();
+        edits(line);
+        QTest::keyClick(&line, Qt::Key_F4, Qt::ControlModifier); // closes a file elsewhere
+        sought = line.text();
+        dialog.reject();
+    });
+    Click("SearchFindItem");
+    EXPECT_EQ(sought, "abab");
+    EXPECT_EQ(Open(), Strings{"A.pas"});
+    EXPECT_EQ(Shown(), "unit A;");
+    EXPECT_FALSE(Ide().CurrentView()->HasBlock());
+}
+
+TEST_F(Workbench, TellsFileAndPlaceAndGoesRoundTheFiles) {
+    const auto told = [&] {
+        Bench->FrontEnd().Flush();
+        QString text = Bench->Window().windowTitle();
+        for (const QLabel* const label : Bench->Window().statusBar()->findChildren<QLabel*>())
+            text += "|" + label->text();
+        return text;
+    };
+    EXPECT_EQ(told(), "Embedded IDE|");
+    Bench->Open(Write("A.pas", "unit A;\nend."));
+    Bench->Open(Write("B.pas", "unit B;"));
+    Bench->Open(Write("C.pas", "unit C;"));
+    const struct {
+        Qt::Key Key;
+        Qt::KeyboardModifiers Modifiers;
+        QString Told;
+    } rows[] = {
+        {Qt::Key_Tab, Qt::ControlModifier, "A.pas - Embedded IDE|1: 1"},
+        {Qt::Key_Down, Qt::NoModifier, "A.pas - Embedded IDE|2: 1"},
+        {Qt::Key_Space, Qt::NoModifier, "A.pas * - Embedded IDE|2: 2   Modified"},
+        {Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier, "C.pas - Embedded IDE|1: 1"},
+        {Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier, "B.pas - Embedded IDE|1: 1"},
+        {Qt::Key_Tab, Qt::ControlModifier, "C.pas - Embedded IDE|1: 1"},
+    };
+    for (const auto& [key, modifiers, expected] : rows) {
+        QTest::keyClick(&View(), key, modifiers);
+        EXPECT_EQ(told(), expected);
+    }
 }
 
 TEST(TextSearch, AgreesWithAPlainOne) {

@@ -67,15 +67,38 @@ void TIdeModule::Save() {
         if (auto* const source = ClassCast<TSourceBuffer>(editor.get())) source->Save();
 }
 
+namespace {
+
+/// The name that a file of a unit takes when the unit's own becomes `target`.
+std::string NameBeside(const std::string& target, const TFileEditor& editor) {
+    return ChangeFileExt(target, ExtractFileExt(editor.FileName()));
+}
+
+} // namespace
+
+/// Whether the files of a unit may follow it to another name. Whoever has the unit there written
+/// over means all its files; where there is none, nobody was asked about a form or a header.
+void TIdeModule::CheckNames(const std::string& target) const {
+    std::error_code error;
+    const bool isNew = !std::filesystem::exists(target, error);
+    for (std::size_t i = 0; i < FEditors.size(); ++i) {
+        const std::string name = i == 0 ? target : NameBeside(target, *FEditors[i]);
+        if (i > 0 && IsSameFile(name, FEditors[i]->FileName())) continue;
+        if (FIde.Modules().Find(name)) throw EInvalidOperation(Format("%s is open", {name}));
+        if (isNew && std::filesystem::exists(name, error))
+            throw EInvalidOperation(Format("%s exists", {name}));
+    }
+}
+
 void TIdeModule::SaveAs(std::string_view fileName) {
     const std::string target = NormalFileName(fileName);
     if (HasExtension(FileName(), ProjectExtensions) || HasExtension(FileName(), GroupExtensions))
         throw EInvalidOperation("a project keeps its name, which its units' names start from");
-    if (FIde.Modules().Find(target)) throw EInvalidOperation(Format("%s is open", {target}));
+    CheckNames(target);
     Source().SaveAs(target);
     for (std::size_t i = 1; i < FEditors.size(); ++i) {
         TFileEditor& editor = *FEditors[i];
-        const std::string name = ChangeFileExt(target, ExtractFileExt(editor.FileName()));
+        const std::string name = NameBeside(target, editor);
         if (auto* const header = ClassCast<TSourceBuffer>(&editor); header && header->IsLoaded()) {
             header->SaveAs(name);
             continue;

@@ -32,7 +32,8 @@ public:
     /// Writes all modified files. Raises EFileError.
     void Save();
     /// Saves the source under another name; form file and header follow it as copies of that stem.
-    /// Raises EFileError, and EInvalidOperation for a project and for a file that is open.
+    /// Raises EFileError, and EInvalidOperation for a project, for a file that is open, and when a
+    /// new unit would write over a form file or header that is there.
     void SaveAs(std::string_view fileName);
 
     /// The projects that list the module, in the order of opening.
@@ -48,6 +49,7 @@ protected:
 private:
     friend class TModuleList;
     void AddSiblings(TFolderCache& folders);
+    void CheckNames(const std::string& target) const;
 
     TIde& FIde;
     std::vector<std::unique_ptr<TFileEditor>> FEditors;
