@@ -14,6 +14,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
+#include <QThread>
 
 namespace tarn {
 
@@ -361,7 +362,10 @@ void TFrontEnd::RunModal(TForm& form) {
     if (!window) return;
     QEventLoop loop;
     QTimer watch; // the result may be set by anything
+    const int level = QThread::currentThread()->loopLevel() + 1;
     connect(&watch, &QTimer::timeout, &loop, [&] {
+        // While a question about closing is open, the result is not the last one.
+        if (QThread::currentThread()->loopLevel() > level) return;
         if (!alive || form.ModalResult != mrNone) loop.quit();
     });
     watch.start(10);

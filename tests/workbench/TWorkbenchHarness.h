@@ -257,6 +257,14 @@ protected:
     void ThenPopup(const QStringList& path) {
         FAnswers.push_front({true, [this, path](QWidget&) { ClickPopup(path); }});
     }
+    /// A user takes longer to answer than the timers of the program take to tick.
+    void LetTimersTick() {
+        QTimer timer;
+        int ticks = 0;
+        QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
+        timer.start(15);
+        Wait([&] { return ticks == 2; });
+    }
     /// The next message box gets a click on its button of that text; "Esc" and the like are keys,
     /// "x" closes it by its frame. Its text is remembered.
     void ThenAnswer(const QString& answer) {
@@ -264,6 +272,7 @@ protected:
             auto* const box = qobject_cast<QMessageBox*>(&window);
             ASSERT_TRUE(box) << window.metaObject()->className();
             Asked += ToText(box->text()) + "\n";
+            LetTimersTick();
             if (answer == "x") return (void)box->close();
             for (QAbstractButton* const button : box->buttons())
                 if (Plain(button->text()) == answer) return Click(*button);
