@@ -69,6 +69,7 @@ TFrontEnd::~TFrontEnd() {
     FMirrors.clear();
     InstallTextMeasure(FFormerMeasure);
     if (!Screen()) return;
+    for (int i = 0; i < Screen()->FormCount(); ++i) Leave(*Screen()->Forms(i));
     Screen()->Peer = FFormerPeer;
     Screen()->MenuPeer = nullptr;
 }
@@ -88,6 +89,12 @@ void TFrontEnd::Adopt(TControl& control) {
     control.Peer = this;
     StateChanged(control);
     for (int i = 0; i < control.ControlCount(); ++i) Adopt(*control.Controls(i));
+}
+
+/// The opposite, also of what was never shown.
+void TFrontEnd::Leave(TControl& control) {
+    if (control.Peer == this) control.Peer = nullptr;
+    for (int i = 0; i < control.ControlCount(); ++i) Leave(*control.Controls(i));
 }
 
 void TFrontEnd::StateChanged(TControl& control) {

@@ -74,6 +74,7 @@ protected:
 
 private:
     void Adopt(TControl& control);
+    void Leave(TControl& control);
     void Changed(TControl& control);
     void Shown(TControl& control);
     TMirror* MirrorAt(const QWidget* widget) const;
