@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 using TStrs = std::vector<std::string>;
 
-template <class F> std::string ErrorOf(F&& call) {
+template <class F> std::string RaisedBy(F&& call) {
     try {
         call();
     } catch (const std::exception& error) {
@@ -91,23 +91,23 @@ TEST(AppUtils, Files) {
     EXPECT_EQ(ReadFileEx(file), "three\r\nfour\r\n");
 
     const std::string none = folder + "none/x";
-    EXPECT_EQ(ErrorOf([&] { ReadFileEx(none); }),
+    EXPECT_EQ(RaisedBy([&] { ReadFileEx(none); }),
               "EInOutError: cannot read " + none + ": no such file or directory");
-    EXPECT_EQ(ErrorOf([&] { GetFileSizeEx(none); }),
+    EXPECT_EQ(RaisedBy([&] { GetFileSizeEx(none); }),
               "EInOutError: cannot read " + none + ": no such file or directory");
-    EXPECT_EQ(ErrorOf([&] { WriteFileEx(none, ""); }),
+    EXPECT_EQ(RaisedBy([&] { WriteFileEx(none, ""); }),
               "EInOutError: cannot write to " + none + ": no such file or directory");
-    EXPECT_EQ(ErrorOf([&] { ReadFileEx(folder); }),
+    EXPECT_EQ(RaisedBy([&] { ReadFileEx(folder); }),
               "EInOutError: cannot read " + folder + ": is a directory");
-    EXPECT_EQ(ErrorOf([] { WriteFileEx("/dev/full", "x"); }),
+    EXPECT_EQ(RaisedBy([] { WriteFileEx("/dev/full", "x"); }),
               "EInOutError: cannot write to /dev/full: no space left on device");
-    EXPECT_EQ(ErrorOf([] { GetFileSizeEx(-1); }),
+    EXPECT_EQ(RaisedBy([] { GetFileSizeEx(-1); }),
               "EInOutError: cannot tell the size of an open file: bad file descriptor");
     const char* const former = std::getenv("TMPDIR");
     const std::string tmpDir = former ? former : "";
     ::setenv("TMPDIR", none.c_str(), 1);
-    EXPECT_EQ(ErrorOf([] { CreateTempPath(); }), "EInOutError: cannot find the directory of "
-                                                 "temporary files: no such file or directory");
+    EXPECT_EQ(RaisedBy([] { CreateTempPath(); }), "EInOutError: cannot find the directory of "
+                                                  "temporary files: no such file or directory");
     former ? ::setenv("TMPDIR", tmpDir.c_str(), 1) : ::unsetenv("TMPDIR");
     fs::remove_all(folder);
 }
@@ -150,7 +150,7 @@ TEST(AppUtils, Interfaces) {
     TTestExpert expert;
     EXPECT_EQ(ObjGetInterface<ICustomExpert>(expert), static_cast<ICustomExpert*>(&expert));
     TComponent component;
-    EXPECT_EQ(ErrorOf([&] { ObjGetInterface<ICustomExpert>(component); }),
+    EXPECT_EQ(RaisedBy([&] { ObjGetInterface<ICustomExpert>(component); }),
               "Exception: Object[TComponent] does not support given interface.");
 }
 
@@ -183,7 +183,7 @@ TEST(AppUtils, Placements) {
     for (const std::string text :
          {"", "1,2,3", "1,2,3,4,5,6,7,8,9", "1,2,3,4,5,6,7,8,9,10,11", "1,2,3,4,5,6,7,8,9,",
           "1,2,x,4,5,6,7,8,9,10", "1,2,3,4,5,6,7,8,9,99999999999"})
-        EXPECT_EQ(ErrorOf([&] { SetWinPlacement(form, text); }),
+        EXPECT_EQ(RaisedBy([&] { SetWinPlacement(form, text); }),
                   "EConvertError: '" + text + "' is no window placement");
     EXPECT_EQ(GetWinPlacement(form), before);
     // Ends that no window has.
