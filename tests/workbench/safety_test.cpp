@@ -5,6 +5,7 @@
 #include "TQtDialogs.h"
 #include "TTestFolder.h"
 #include "TWorkbench.h"
+#include "WithNext.h"
 
 #include <gtest/gtest.h>
 
@@ -27,18 +28,6 @@ protected:
     std::string Write(const std::string& name, std::string_view text) const {
         std::ofstream(Folder.File(name), std::ios::binary) << text;
         return Folder.File(name);
-    }
-    /// Does something to the modal window that comes next.
-    template <class W> static void WithNext(const std::function<void(W&)>& action) {
-        auto* const timer = new QTimer(qApp);
-        QObject::connect(timer, &QTimer::timeout, [timer, action] {
-            auto* const window = qobject_cast<W*>(QApplication::activeModalWidget());
-            if (!window) return;
-            timer->deleteLater();
-            timer->stop();
-            action(*window);
-        });
-        timer->start(0);
     }
 
     TTestFolder Folder;

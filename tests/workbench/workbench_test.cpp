@@ -5,6 +5,7 @@
 #include "TTextSearch.h"
 #include "TWorkbench.h"
 #include "Windows/TCpuWindow.h"
+#include "WithNext.h"
 
 #include <gtest/gtest.h>
 
@@ -66,18 +67,6 @@ protected:
         const auto* const bytes = static_cast<const char*>(
             View().SendScintillaPtrResult(QsciScintilla::SCI_GETCHARACTERPOINTER));
         return {bytes, size};
-    }
-    /// Does something to the modal window that comes next.
-    template <class W> static void WithNext(const std::function<void(W&)>& action) {
-        auto* const timer = new QTimer(qApp);
-        QObject::connect(timer, &QTimer::timeout, [timer, action] {
-            auto* const window = qobject_cast<W*>(QApplication::activeModalWidget());
-            if (!window) return;
-            timer->deleteLater();
-            timer->stop();
-            action(*window);
-        });
-        timer->start(0);
     }
     /// Clicks a button of the next box, by its text without "&"; its lines come back.
     static std::shared_ptr<QString> Answer(const QString& button) {
