@@ -13,11 +13,18 @@ wish pkg-config libunicorn-dev libcapstone-dev
 if [ "${1:-}" = workbench ]; then
     shift
     need qt6-base-dev libqscintilla2-qt6-dev
+    wish qt6-translations-l10n
     build run release -DTARN_TESTS=OFF -- --target tarn-workbench
     cd "$start"
     exec "$OLDPWD/build/run/apps/tarn/tarn-workbench" "$@"
 fi
-build run release -DTARN_TESTS=OFF -- --target tarn
+targets=(tarn)
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && wish qt6-base-dev libqscintilla2-qt6-dev &&
+    has qt6-base-dev libqscintilla2-qt6-dev; then
+    targets+=(tarn-workbench)
+    say "./run.sh workbench starts the desktop program"
+fi
+build run release -DTARN_TESTS=OFF -- --target "${targets[@]}"
 
 program=$PWD/build/run/apps/tarn/tarn
 if [ $# -eq 0 ]; then

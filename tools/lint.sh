@@ -7,6 +7,7 @@ source tools/setup.sh
 
 need clang clang-format clang-tidy cmake ninja-build libcli11-dev libgtest-dev libbenchmark-dev
 wish pkg-config libunicorn-dev libcapstone-dev
+wish qt6-base-dev libqscintilla2-qt6-dev
 if [ $# -eq 0 ]; then
     mapfile -t files < <(git ls-files '*.cpp' '*.h' ':!examples')
 else

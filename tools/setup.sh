@@ -3,12 +3,19 @@
 
 say() { printf '%s\n' "-- $*" >&2; }
 
+# has PACKAGE...: whether all these Debian packages are installed.
+has() {
+    local package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || return 1
+    done
+}
+
 # need PACKAGE...: installs the Debian packages that are missing.
 need() {
     local missing=() package
     for package in "$@"; do
-        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
-            missing+=("$package")
+        has "$package" || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
     say "installing ${missing[*]}"

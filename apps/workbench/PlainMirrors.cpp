@@ -86,10 +86,37 @@ constexpr TIconRow IconRows[] = {
     {"acCollapseNode", QStyle::SP_TitleBarShadeButton},
 };
 
-QIcon IconOf(const TToolButton& button, const QStyle& style) {
+/// The mean lightness of what is painted of a picture, 0 to 255; that of black when nothing is.
+int LightnessOf(const QImage& image) {
+    int sum = 0, weight = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor color = image.pixelColor(x, y);
+            sum += color.lightness() * color.alpha();
+            weight += color.alpha();
+        }
+    return weight == 0 ? 0 : sum / weight;
+}
+
+/// The picture in the colour of texts where nobody would see it on a dark ground.
+QIcon Visible(const QIcon& icon, const QWidget& widget) {
+    constexpr int size = 16; // pixels
+    constexpr int dark = 80;
+    const QPalette& palette = widget.palette();
+    if (palette.window().color().lightness() > 128) return icon;
+    QPixmap pixmap = icon.pixmap(QSize(size, size), widget.devicePixelRatioF());
+    if (LightnessOf(pixmap.toImage()) > dark) return icon;
+    QPainter painter(&pixmap);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(pixmap.rect(), palette.buttonText());
+    return pixmap;
+}
+
+QIcon IconOf(const TToolButton& button, const QWidget& widget) {
     const TAction* const action = button.Action();
     for (const TIconRow& row : IconRows)
-        if (action && action->Name() == row.Action) return style.standardIcon(row.Icon);
+        if (action && action->Name() == row.Action)
+            return Visible(widget.style()->standardIcon(row.Icon), widget);
     return {};
 }
 
@@ -122,7 +149,7 @@ void TToolButtonMirror::SyncState() {
     View().setEnabled(button.Enabled() && !button.IsSeparator());
     const QString caption = FromText(StripHotkey(button.Caption()));
     View().setAccessibleName(caption);
-    const QIcon icon = IconOf(button, *View().style());
+    const QIcon icon = IconOf(button, View());
     const bool captions = bar && bar->ShowCaptions();
     View().setIcon(captions ? QIcon() : icon);
     View().setText(captions || icon.isNull() ? caption : QString());

@@ -200,6 +200,26 @@ void TEditorMirror::ChooseLexer(const TSourceBuffer& buffer) {
     View().setMarginsForegroundColor(palette.windowText().color());
 }
 
+namespace {
+
+/// Keeps a widget from telling of its changes, as long as it lives.
+class TQuiet {
+public:
+    TQuiet(const QsciScintilla& view, bool quiet)
+        : FView(view), FTold(view.SendScintilla(QsciScintilla::SCI_GETMODEVENTMASK)) {
+        if (quiet) view.SendScintilla(QsciScintilla::SCI_SETMODEVENTMASK, 0);
+    }
+    TQuiet(const TQuiet&) = delete;
+    TQuiet& operator=(const TQuiet&) = delete;
+    ~TQuiet() { FView.SendScintilla(QsciScintilla::SCI_SETMODEVENTMASK, FTold); }
+
+private:
+    const QsciScintilla& FView;
+    long FTold;
+};
+
+} // namespace
+
 /// Replaces the bytes between what both texts begin and end with; false when the text is shown.
 /// They are compared only where the buffer has changed since it was shown.
 bool TEditorMirror::ShowText(TSourceBuffer& buffer, TDocument& document) {
@@ -225,13 +245,11 @@ bool TEditorMirror::ShowText(TSourceBuffer& buffer, TDocument& document) {
     back += std::min(Common<false>(shown, ours), most - front - back - more);
     front += more;
     // Only screen readers are told of it, by where it is in characters: all before it are counted.
-    const long told = Ask(QsciScintilla::SCI_GETMODEVENTMASK);
-    if (!QAccessible::isActive()) Tell(QsciScintilla::SCI_SETMODEVENTMASK, 0);
+    const TQuiet quiet(View(), !QAccessible::isActive());
     Tell(QsciScintilla::SCI_DELETERANGE, static_cast<long>(front),
          static_cast<long>(size - back - front));
     document.Revision.reset();
     if (Insert(text, front, text.Size() - back)) document.Revision = text.Revision();
-    Tell(QsciScintilla::SCI_SETMODEVENTMASK, told);
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "Source/TSourceBuffer.h"
 #include "TIde.h"
 #include "TMirror.h"
+#include "TQtDialogs.h"
 #include "TTextSearch.h"
 #include "rtl/SysUtils.h"
 #include "vcl/Dialogs.h"
@@ -36,7 +37,7 @@ void TFinder::FindAgain(bool backwards) {
 /// Asks for what is sought; false when that is cancelled or nothing.
 bool TFinder::Ask() {
     QDialog dialog(&FWindow);
-    dialog.setWindowTitle("Find");
+    SetTitle(dialog, "Find");
     auto* const form = new QFormLayout(&dialog);
     auto* const line = new QLineEdit(FSought);
     line->selectAll();
@@ -50,7 +51,7 @@ bool TFinder::Ask() {
     QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
     form->addRow(buttons);
-    if (dialog.exec() != QDialog::Accepted || line->text().isEmpty()) return false;
+    if (!Execute(dialog) || line->text().isEmpty()) return false;
     FSought = line->text();
     FMatchCase = matchCase->isChecked();
     return true;

@@ -32,17 +32,30 @@ QPoint OnScreen(const QWidget& window, const TRect& at) {
     return {std::max(place.x(), 0), std::max(place.y(), 0)};
 }
 
+/// In the middle of another window, but not beyond the left and upper edge of its screen.
+TRect Amid(const QWidget& other, TRect at) {
+    const QPoint corner = other.screen()->availableGeometry().topLeft();
+    const QRect around = other.frameGeometry();
+    at.Left = std::max(around.center().x() - at.Width / 2, corner.x());
+    at.Top = std::max(around.center().y() - at.Height / 2, corner.y());
+    return at;
+}
+
 } // namespace
 
 /// The window stands where the form says when it appears, and the form where the user moves it. A
 /// form without controls has nothing to show: it only says that a question is open.
 void TFormMirror::SyncPlace() {
+    const bool isNew = !std::exchange(FPlaced, true);
+    const QWidget* const main = FrontEnd().WidgetOf(FrontEnd().Ide().MainForm());
+    // A script sees the places that need no screen.
+    if (isNew && !FrontEnd().Watched() && main && Self().Left() == 0 && Self().Top() == 0)
+        Self().SetBoundsRect(Amid(*main, Self().BoundsRect()));
     const TRect& at = Self().BoundsRect();
     if (QRect(View().pos(), View().size()) != QRect(at.Left, at.Top, at.Width, at.Height)) {
         View().resize(std::max(at.Width, 1), std::max(at.Height, 1));
-        if (FPlaced || at.Left != 0 || at.Top != 0) View().move(OnScreen(View(), at));
+        if (!isNew || at.Left != 0 || at.Top != 0) View().move(OnScreen(View(), at));
     }
-    FPlaced = true;
     const bool onTop = Self().FormStyle() == fsStayOnTop;
     if (View().windowFlags().testFlag(Qt::WindowStaysOnTopHint) != onTop)
         View().setWindowFlag(Qt::WindowStaysOnTopHint, onTop);

@@ -15,6 +15,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QThread>
+#include <QWindow>
 
 namespace tarn {
 
@@ -137,6 +138,19 @@ void TFrontEnd::Redraw(TControl& control, std::uint32_t flags) {
     if (QWidget* const widget = WidgetOf(control)) widget->update();
 }
 
+namespace {
+
+/// A modal window stands in front of the one that it keeps from being used.
+void SetModal(QWidget& window, bool modal) {
+    window.setWindowModality(modal ? Qt::ApplicationModal : Qt::NonModal);
+    const QWidget* const below = modal ? QApplication::activeWindow() : nullptr;
+    if (!modal && !window.windowHandle()) return;
+    window.winId(); // which makes the handle
+    window.windowHandle()->setTransientParent(below ? below->windowHandle() : nullptr);
+}
+
+} // namespace
+
 /// Makes the mirror of a control whose parent has one, and brings it up to date.
 void TFrontEnd::Shown(TControl& control) {
     std::unique_ptr<TMirror>& mirror = FMirrors[&control];
@@ -150,7 +164,7 @@ void TFrontEnd::Shown(TControl& control) {
     // A window becomes modal before it is shown, or not at all.
     auto* const form = ClassCast<TForm>(&control);
     if (form && mirror->Widget() && !mirror->Widget()->isVisible())
-        mirror->Widget()->setWindowModality(form->Modal() ? Qt::ApplicationModal : Qt::NonModal);
+        SetModal(*mirror->Widget(), form->Modal());
     mirror->Sync();
 }
 
@@ -261,13 +275,16 @@ bool TFrontEnd::OfferKey(TShortCut key) {
 
 // --- Keys -------------------------------------------------------------------------------------
 
+namespace {
+
 /// The mirror that a widget belongs to; null for one of a dialog that no form knows of.
-TMirror* TFrontEnd::MirrorAt(const QWidget* widget) const {
+TMirror* MirrorAt(const QWidget* widget) {
     for (; widget; widget = widget->parentWidget())
-        for (const auto& [control, mirror] : FMirrors)
-            if (mirror->Widget() == widget) return mirror.get();
+        if (TMirror* const mirror = TMirror::Of(*widget)) return mirror;
     return nullptr;
 }
+
+} // namespace
 
 bool TFrontEnd::eventFilter(QObject* object, QEvent* event) {
     auto* const widget = qobject_cast<QWidget*>(object);

@@ -77,7 +77,6 @@ private:
     void Leave(TControl& control);
     void Changed(TControl& control);
     void Shown(TControl& control);
-    TMirror* MirrorAt(const QWidget* widget) const;
     bool Key(QWidget& widget, QEvent& event);
     bool OfferKey(const QWidget& widget, const QKeyEvent& key);
     void TakeFocus(const QWidget& widget);

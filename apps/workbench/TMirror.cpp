@@ -5,9 +5,16 @@
 
 namespace tarn {
 
+constexpr const char* MirrorProperty = "mirror"; ///< of its widget
+
 TMirror::TMirror(TFrontEnd& frontEnd, TControl& control, QWidget* widget)
     : FFrontEnd(frontEnd), FControl(control), FWidget(widget) {
     widget->setObjectName(FromText(control.Name()));
+    widget->setProperty(MirrorProperty, QVariant::fromValue<QObject*>(this));
+}
+
+TMirror* TMirror::Of(const QWidget& widget) {
+    return static_cast<TMirror*>(widget.property(MirrorProperty).value<QObject*>());
 }
 
 TMirror::~TMirror() {
@@ -26,6 +33,7 @@ void TMirror::Hide() {
         part->disconnect(this);
         part->removeEventFilter(this);
     }
+    widget->setProperty(MirrorProperty, {});
     widget->hide();
     widget->deleteLater();
 }

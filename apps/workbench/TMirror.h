@@ -17,6 +17,9 @@ public:
     TMirror(TFrontEnd& frontEnd, TControl& control, QWidget* widget);
     ~TMirror() override;
 
+    /// The mirror whose widget that is; null for any other.
+    static TMirror* Of(const QWidget& widget);
+
     TControl& Control() const { return FControl; }
     QWidget* Widget() const { return FWidget; }
     /// The widget that takes the widgets of the control's children; null when it shows none.

@@ -1,5 +1,7 @@
 #include "TOpenProgress.h"
 
+#include "TQtDialogs.h"
+
 #include <QApplication>
 #include <QFileInfo>
 
@@ -19,7 +21,7 @@ bool TOpenProgress::Step(TPart part, std::uint64_t done, std::uint64_t size) {
     if (!FDialog) {
         const QString text = "Opening " + QFileInfo(FFileName).fileName();
         FDialog = std::make_unique<QProgressDialog>(text, "Cancel", 0, 2 * PartSteps, FWindow);
-        FDialog->setWindowTitle(QApplication::applicationDisplayName());
+        SetTitle(*FDialog, QApplication::applicationDisplayName());
         FDialog->setWindowModality(Qt::ApplicationModal);
         FDialog->setAutoReset(false);
         FDialog->setMinimumDuration(0);

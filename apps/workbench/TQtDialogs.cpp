@@ -44,6 +44,17 @@ private:
 
 } // namespace
 
+void SetTitle(QDialog& dialog, const QString& title) {
+    constexpr int frame = 120; // pixels of a title bar that its buttons take
+    dialog.setWindowTitle(title);
+    dialog.setMinimumWidth(QFontMetrics(QApplication::font()).horizontalAdvance(title) + frame);
+}
+
+bool Execute(QDialog& dialog) {
+    const TDialogOwner owner;
+    return dialog.exec() == QDialog::Accepted;
+}
+
 TDialogAnswer TQtDialogs::MessageBox(std::string_view text, std::string_view caption,
                                      std::uint32_t flags) {
     const TDialogOwner owner;
@@ -89,26 +100,35 @@ QString FilterOf(std::string_view filter) {
     return result.join(";;");
 }
 
-std::optional<std::string> TQtDialogs::ChooseFile(const TFileQuestion& question) {
+std::vector<std::string> TQtDialogs::ChooseFiles(const TFileQuestion& question) {
     const TDialogOwner owner;
     QFileDialog dialog(owner.Window(), FromText(question.Title));
     dialog.setNameFilters(FilterOf(question.Filter).split(";;"));
     dialog.setAcceptMode(question.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(question.Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setFileMode(question.Save      ? QFileDialog::AnyFile
+                       : question.Several ? QFileDialog::ExistingFiles
+                                          : QFileDialog::ExistingFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite, !question.OverwritePrompt);
     dialog.setDefaultSuffix(FromText(question.DefaultExt));
-    if (!question.FileName.empty()) dialog.selectFile(FromText(question.FileName));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-    return ToText(dialog.selectedFiles().front());
+    if (!question.FileName.empty())
+        dialog.selectFile(FromText(question.FileName));
+    else if (!question.InitialDir.empty())
+        dialog.setDirectory(FromText(question.InitialDir));
+    if (dialog.exec() != QDialog::Accepted) return {};
+    std::vector<std::string> files;
+    for (const QString& file : dialog.selectedFiles()) files.push_back(ToText(file));
+    return files;
 }
 
 std::optional<std::string> TQtDialogs::InputText(std::string_view caption, std::string_view prompt,
                                                  std::string_view value) {
     const TDialogOwner owner;
-    bool accepted = false;
-    const QString text = QInputDialog::getText(owner.Window(), FromText(caption), FromText(prompt),
-                                               QLineEdit::Normal, FromText(value), &accepted);
-    return accepted ? std::optional(ToText(text)) : std::nullopt;
+    QInputDialog dialog(owner.Window());
+    SetTitle(dialog, FromText(caption));
+    dialog.setLabelText(FromText(prompt));
+    dialog.setTextValue(FromText(value));
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    return ToText(dialog.textValue());
 }
 
 } // namespace tarn

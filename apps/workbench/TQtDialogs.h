@@ -4,6 +4,8 @@
 
 #include <QString>
 
+class QDialog;
+
 namespace tarn {
 
 /// Dialogs as windows of the desktop.
@@ -13,10 +15,16 @@ public:
                              std::uint32_t flags) override;
     std::optional<std::string> SelectDirectory(std::string_view title,
                                                std::string_view folder) override;
-    std::optional<std::string> ChooseFile(const TFileQuestion& question) override;
+    std::vector<std::string> ChooseFiles(const TFileQuestion& question) override;
     std::optional<std::string> InputText(std::string_view caption, std::string_view prompt,
                                          std::string_view value) override;
 };
+
+/// Gives a dialog a title, and at least the width that shows it whole.
+void SetTitle(QDialog& dialog, const QString& title);
+
+/// Shows a dialog until it is closed; the window that was active is the active one again then.
+bool Execute(QDialog& dialog);
 
 /// A filter "Texts (*.txt)|*.txt|All|*.*" as Qt has it.
 QString FilterOf(std::string_view filter);

@@ -109,10 +109,13 @@ std::string TRecovery::Write(const std::vector<TSnapshot>& snapshots) {
     return firstError;
 }
 
-void TRecovery::Forget() {
+void TRecovery::Forget(TBuffers buffers) {
     WaitForDisk();
     for (const TEntry& entry : FEntries) Discard(entry.File);
     FEntries.clear();
+    // What is typed from now on is wanted again: the user's session may go on all the same.
+    for (TSourceBuffer* const buffer : buffers)
+        if (buffer->Modified()) EntryOf(*buffer).Written = buffer->Text().Revision();
 }
 
 // --- After a crash ----------------------------------------------------------------------------

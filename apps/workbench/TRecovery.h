@@ -38,8 +38,8 @@ public:
     void WriteNow(TBuffers buffers);
     /// Returns when what Follow has begun to write is on disk.
     void WaitForDisk();
-    /// Removes the files of all buffers: the user does not want what is not saved.
-    void Forget();
+    /// Removes the files of all buffers: the user does not want what is not saved by now.
+    void Forget(TBuffers buffers);
     /// Why the last writing has failed; empty when it has not.
     const std::string& Error() const { return FError; }
     const std::string& OwnFolder() const { return FFolder.Own(); }

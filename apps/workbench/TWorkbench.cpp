@@ -6,6 +6,7 @@
 #include "TEditorMirror.h"
 #include "TFormMirror.h"
 #include "TOpenProgress.h"
+#include "UnitDialog.h"
 #include "rtl/EAbort.h"
 #include "rtl/ReadProgress.h"
 #include "rtl/SysUtils.h"
@@ -33,7 +34,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr TVirtualKey VK_F3 = 0x72, VK_F4 = 0x73;
+constexpr TVirtualKey VK_F3 = 0x72, VK_F4 = 0x73, VK_F12 = 0x7B;
 
 const char* const PlaceKey = "MainWindow"; ///< in the file that the place is kept in
 
@@ -63,6 +64,7 @@ constexpr TWorkbench::TCommandRow TWorkbench::CommandRows[] = {
      neFile},
     {"ViewFileBeforeItem", "ViewNextFileItem", "File &Before", scShift | scCtrl | VK_TAB,
      &TWorkbench::ShowFileBefore, neFile},
+    {"ViewUnitItem", "", "", scCtrl | VK_F12, &TWorkbench::OpenUnits, neProject},
     {"ViewCpuWindowItem", "ViewToggleFormItem", "&CPU Window", scCtrl | scAlt | 'C',
      &TWorkbench::ShowCpu, neStop},
     {"HelpAboutItem", "", "", 0, &TWorkbench::ShowAbout, neNothing},
@@ -87,8 +89,18 @@ private:
 
 bool TWorkbench::Has(TNeed need) const {
     TIde& ide = FSession.Ide();
-    return need == neNothing ||
-           (need == neFile ? ide.CurrentBuffer() != nullptr : ide.StoppedProgram() != nullptr);
+    switch (need) {
+    case neFile:
+        return ide.CurrentBuffer() != nullptr;
+    case neProject:
+        return std::any_of(ide.Modules().begin(), ide.Modules().end(), [](const auto& module) {
+            return ClassCast<TProjectModule>(module.get()) != nullptr;
+        });
+    case neStop:
+        return ide.StoppedProgram() != nullptr;
+    default:
+        return true;
+    }
 }
 
 void TWorkbench::AddCommand(const TCommandRow& row) {
@@ -206,7 +218,11 @@ void TWorkbench::OpenWatched(const std::string& fileName) {
     TIde& ide = FSession.Ide();
     TModuleList& modules = ide.Modules();
     if (HasExtension(fileName, ProjectExtensions) || HasExtension(fileName, GroupExtensions)) {
-        modules.OpenProject(fileName);
+        const int before = modules.Count();
+        const TIdeModule& opened = modules.OpenProject(fileName);
+        if (modules.Count() == before) return;
+        Window().statusBar()->showMessage(FromText(Format(
+            "%s is open; View | Units opens its units", {ExtractFileName(opened.FileName())})));
         return;
     }
     static constexpr std::string_view recordings[] = {".cpu"};
@@ -240,10 +256,26 @@ void TWorkbench::OpenWatched(const std::string& fileName) {
 
 void TWorkbench::OpenFiles() {
     TOpenDialog dialog;
+    dialog.AllowMultiSelect = true;
+    if (const TSourceBuffer* const buffer = FSession.Ide().CurrentBuffer())
+        dialog.InitialDir = ExtractFilePath(buffer->FileName());
     dialog.Filter = "Sources (*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpk;*.bpg)|"
                     "*.pas;*.cpp;*.h;*.dpr;*.dpk;*.bpr;*.bpk;*.bpg|"
                     "Recordings of stopped programs (*.cpu)|*.cpu|All files (*.*)|*.*";
-    if (dialog.Execute()) Open(dialog.FileName);
+    if (!dialog.Execute()) return;
+    for (const std::string& file : dialog.Files) Open(file);
+}
+
+std::vector<const TProjectModule*> TWorkbench::Projects() const {
+    std::vector<const TProjectModule*> projects;
+    for (const auto& module : FSession.Ide().Modules())
+        if (const auto* const project = ClassCast<TProjectModule>(module.get()))
+            projects.push_back(project);
+    return projects;
+}
+
+void TWorkbench::OpenUnits() {
+    for (const std::string& file : AskForUnits(Window(), Projects())) Open(file);
 }
 
 /// Goes round along the tabs.
@@ -374,10 +406,11 @@ bool TWorkbench::EndSession(bool mayAsk) {
     bool ends = !mayAsk; // and so when saving fails
     if (mayAsk) FFrontEnd.AsUser([&] { ends = FSession.Ide().Modules().MayCloseAll(); });
     if (!FRecovery || !ends) return ends;
+    const std::vector<TSourceBuffer*> buffers = FSession.Ide().EditWindow().LoadedBuffers();
     if (mayAsk)
-        FRecovery->Forget(); // what is not saved by now is not wanted
+        FRecovery->Forget(buffers);
     else
-        FRecovery->WriteNow(FSession.Ide().EditWindow().LoadedBuffers());
+        FRecovery->WriteNow(buffers);
     return true;
 }
 

@@ -14,6 +14,7 @@
 namespace tarn {
 
 class TEditorMirror;
+class TProjectModule;
 
 /// The IDE with a face: the windows of a session, and the commands that only a desktop has: open
 /// files, search, leave.
@@ -49,8 +50,8 @@ protected:
 
 private:
     using TRun = void (TWorkbench::*)();
-    /// What a command cannot do without: nothing, an open file, a stopped program.
-    enum TNeed : std::uint8_t { neNothing, neFile, neStop };
+    /// What a command cannot do without: nothing, an open file, a project, a stopped program.
+    enum TNeed : std::uint8_t { neNothing, neFile, neProject, neStop };
     class TCommand;
     struct TCommandRow;
     static const TCommandRow CommandRows[];
@@ -68,9 +69,11 @@ private:
     void FindAgain() { FFinder.FindAgain(false); }
     void FindBefore() { FFinder.FindAgain(true); }
     void GoToLine() { FFinder.GoToLine(); }
+    void OpenUnits();
     void ShowCpu();
     void ShowAbout();
 
+    std::vector<const TProjectModule*> Projects() const;
     void OpenWatched(const std::string& fileName);
     bool MayOverwrite(const TSourceBuffer& buffer);
     void OfferLeft(const std::vector<std::string>& files);

@@ -7,6 +7,8 @@
 #include "Theme.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
 
 #include <CLI/CLI.hpp>
 
@@ -122,6 +124,14 @@ void TakeQtMessage(QtMsgType type, const QMessageLogContext& context, const QStr
     std::_Exit(Report(ExitIO, "no display: " + reason.toStdString()));
 }
 
+/// Has the buttons of message boxes and file dialogs speak the language of the desktop, where that
+/// is installed.
+void LoadQtTexts() {
+    auto* const texts = new QTranslator(qApp);
+    if (texts->load(QLocale(), "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(texts);
+}
+
 /// Whether there is something to show windows on, as far as the environment tells.
 bool HasDisplay(const std::vector<char*>& qtArgs) {
     const auto isSet = [](const char* name) {
@@ -170,6 +180,7 @@ int Main(int argc, char** argv) {
     ShowOtherMessage = qInstallMessageHandler(TakeQtMessage);
     const QApplication application(qtCount, qtArgs.data());
     if (qtCount > 1) return Report(ExitUsage, "unknown option " + std::string(qtArgs[1]));
+    LoadQtTexts();
     ApplyTheme(themes.at(options.Theme));
     try {
         return options.Script.empty() ? Run(options) : PlayScript(options.Script, options.Pictures);

@@ -420,9 +420,9 @@ TEST_F(ExtKinds, TheMenuOfPictures) {
 class TFileQuestionsOS : public TPortableOS {
 public:
     std::string Filters;
-    std::optional<std::string> ChooseFile(const TFileQuestion& question) override {
+    std::vector<std::string> ChooseFiles(const TFileQuestion& question) override {
         Filters += question.Filter + "\n";
-        return std::nullopt;
+        return {};
     }
 };
 

@@ -61,14 +61,23 @@ TEST_F(WorkbenchDialogs, TextsAndFiles) {
     EXPECT_EQ(input("Esc"), "-");
 
     WriteFile("there.txt", "x");
+    WriteFile("too.txt", "x");
     const std::string filter = "Texts (*.txt)|*.txt|All files(*.*)|*.*";
     const auto choose = [&](bool save, const std::string& name, const char* answer) {
-        ThenType(FromText(Folder.File(name)), answer);
-        const auto file = Session.OS().ChooseFile(
-            {.Save = save, .Filter = filter, .DefaultExt = ".txt", .OverwritePrompt = save});
-        return file ? std::filesystem::path(*file).filename().string() : "-";
+        ThenType(FromText(name), answer);
+        const auto files = Session.OS().ChooseFiles({.Save = save,
+                                                     .Filter = filter,
+                                                     .DefaultExt = ".txt",
+                                                     .OverwritePrompt = save,
+                                                     .Several = !save,
+                                                     .InitialDir = Folder.Path()});
+        std::string names;
+        for (const std::string& file : files)
+            names += std::filesystem::path(file).filename().string() + " ";
+        return names.empty() ? "-" : names.substr(0, names.size() - 1);
     };
     EXPECT_EQ(choose(false, "there.txt", "Return"), "there.txt");
+    EXPECT_EQ(choose(false, "\"there.txt\" \"too.txt\"", "Return"), "there.txt too.txt");
     EXPECT_EQ(choose(false, "there.txt", "Esc"), "-");
     EXPECT_EQ(choose(false, "there.txt", "Cancel"), "-");
     EXPECT_EQ(choose(true, "other", "Save"), "other.txt");
@@ -77,6 +86,33 @@ TEST_F(WorkbenchDialogs, TextsAndFiles) {
     EXPECT_EQ(Session.OS().SelectDirectory("Title", "/").value_or("-"), Folder.Path());
     ThenType(FromText(Folder.Path()), "Esc");
     EXPECT_EQ(Session.OS().SelectDirectory("Title", "/").value_or("-"), "-");
+}
+
+TEST_F(WorkbenchDialogs, UnitsOfAProjectAreChosenFromAList) {
+    const auto list = [](QWidget& window) { return window.findChild<QListWidget*>(); };
+    Press("Ctrl+F12"); // there is no project
+    for (const char* const name : {"A.pas", "B.pas", "C.pas"}) WriteFile(name, "text");
+    Bench->Open(WriteFile("P.dpr", "program P;\nuses A in 'A.pas', B in 'B.pas', C in 'C.pas';\n"
+                                   "begin end."));
+    EXPECT_TRUE(Bench->Window().statusBar()->currentMessage().contains("P.dpr"));
+    Settle();
+    Then([&](QWidget& window) {
+        ASSERT_TRUE(list(window));
+        EXPECT_EQ(list(window)->count(), 3);
+        EXPECT_TRUE(list(window)->hasFocus());
+        Press({"Down", "Shift+Down"});
+        Press("Return");
+    });
+    Press("Ctrl+F12");
+    Wait([&] { return Tabs() == "B.pas *C.pas"; });
+    Then([&](QWidget& window) {
+        const QListWidgetItem* const first = list(window)->item(0);
+        DoubleClick(*list(window)->viewport(), list(window)->visualItemRect(first).center());
+    });
+    ClickMenu({"View", "Units..."});
+    Wait([&] { return Tabs() == "B.pas *A.pas C.pas" || Tabs() == "B.pas C.pas *A.pas"; });
+    Then([&](QWidget&) { Press("Esc"); });
+    Press("Ctrl+F12");
 }
 
 TEST_F(WorkbenchDialogs, LanguageModulesAreTypedIntoTheGrid) {

@@ -158,8 +158,13 @@ TEST_F(Recovery, FollowsTheBuffers) {
     EXPECT_EQ(go(second), TTexts{}); // it waits, but not for the end of the program
     recovery.WriteNow(Buffers(session));
     EXPECT_EQ(Kept(), TTexts{"56a"});
-    recovery.Forget(); // a user who did not want it saved
+    recovery.Forget(Buffers(session)); // a user who did not want it saved
     EXPECT_EQ(Kept(), TTexts{});
+    recovery.WriteNow(Buffers(session));
+    EXPECT_EQ(Kept(), TTexts{}); // nor later
+    ide.TypeText("7");           // when all goes on
+    recovery.WriteNow(Buffers(session));
+    EXPECT_EQ(Kept(), TTexts{"567a"});
 }
 
 TEST_F(Recovery, ProgramsAtTheSameTimeKeepApart) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
@@ -49,6 +50,8 @@ struct TFileQuestion {
     std::string FileName = {};    ///< that the dialog begins with
     std::string DefaultExt = {};  ///< of a name without one, with or without its point
     bool OverwritePrompt = false; ///< a file to write that exists is asked about
+    bool Several = false;         ///< more than one file may be chosen
+    std::string InitialDir = {};  ///< the folder to begin in where FileName is empty
 };
 
 class TSystemHeap;
@@ -149,8 +152,8 @@ public:
     /// Lets the user choose a folder, beginning at `folder`; none when that is cancelled.
     virtual std::optional<std::string> SelectDirectory(std::string_view title,
                                                        std::string_view folder) = 0;
-    /// Lets the user choose a file, whose full name is the result; none when that is cancelled.
-    virtual std::optional<std::string> ChooseFile(const TFileQuestion& question) = 0;
+    /// Lets the user choose a file, or several; their full names, none when that is cancelled.
+    virtual std::vector<std::string> ChooseFiles(const TFileQuestion& question) = 0;
     /// Lets the user enter a line of text, beginning with `value`; none when that is cancelled.
     virtual std::optional<std::string> InputText(std::string_view caption, std::string_view prompt,
                                                  std::string_view value) = 0;

@@ -9,6 +9,7 @@ constexpr TPropInfo OpenDialogProps[] = {
     Published<&TOpenDialog::DefaultExt>("DefaultExt"),
     Published<&TOpenDialog::FileName>("FileName"),
     Published<&TOpenDialog::Filter>("Filter"),
+    Published<&TOpenDialog::InitialDir>("InitialDir"),
     Published<&TOpenDialog::Title>("Title"),
 };
 
@@ -24,9 +25,18 @@ constinit const TClassRecord TSaveDialog::ClassRecord{"TSaveDialog", &TOpenDialo
                                                       CreateObject<TSaveDialog>, SaveDialogProps};
 
 bool TOpenDialog::Ask(bool save, bool overwritePrompt) {
-    auto chosen = OS().ChooseFile({save, Title, Filter, FileName, DefaultExt, overwritePrompt});
-    if (chosen) FileName = std::move(*chosen);
-    return chosen.has_value();
+    std::vector<std::string> chosen = OS().ChooseFiles({.Save = save,
+                                                        .Title = Title,
+                                                        .Filter = Filter,
+                                                        .FileName = FileName,
+                                                        .DefaultExt = DefaultExt,
+                                                        .OverwritePrompt = overwritePrompt,
+                                                        .Several = AllowMultiSelect && !save,
+                                                        .InitialDir = InitialDir});
+    if (chosen.empty()) return false;
+    Files = std::move(chosen);
+    FileName = Files.front();
+    return true;
 }
 
 bool InputQuery(std::string_view caption, std::string_view prompt, std::string& value) {

@@ -4,10 +4,11 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
-/// Asks the user for a file to open.
+/// Asks the user for a file to open, or for several.
 class TOpenDialog : public TComponent {
 public:
     static const TClassRecord ClassRecord;
@@ -19,8 +20,12 @@ public:
     std::string Filter;     ///< descriptions and patterns in turn: "Texts (*.txt)|*.txt|All|*.*"
     std::string FileName;   ///< that the dialog begins with, and the one that was chosen
     std::string DefaultExt; ///< of a name without one, with or without its point
+    std::string InitialDir; ///< the folder that it begins in where FileName is empty
 
-    /// Shows the dialog; false, and FileName as it was, when the user cancels it.
+    bool AllowMultiSelect = false;  ///< not of a dialog for saving
+    std::vector<std::string> Files; ///< all that were chosen, FileName the first of them
+
+    /// Shows the dialog; false, and FileName and Files as they were, when the user cancels it.
     virtual bool Execute() { return Ask(false, false); }
 
 protected:

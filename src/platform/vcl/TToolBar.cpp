@@ -175,7 +175,9 @@ void TToolBar::AlignControls() {
             top += FButtonHeight;
         }
         control.SetBoundsRect({left, top, width, FButtonHeight});
-        left += width;
+        // At the start of a further row there is nothing that a separator would part.
+        const bool opensRow = left == 0 && top > 0 && button && button->IsSeparator();
+        if (!opensRow) left += width;
     }
     if (FWrapable) SetHeight(top + FButtonHeight);
     StateChanged();

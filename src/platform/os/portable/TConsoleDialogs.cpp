@@ -106,23 +106,25 @@ std::optional<std::string> TConsoleDialogs::SelectDirectory(std::string_view tit
     return std::nullopt;
 }
 
-std::optional<std::string> TConsoleDialogs::ChooseFile(const TFileQuestion& question) {
+/// One file, also where several may be chosen.
+std::vector<std::string> TConsoleDialogs::ChooseFiles(const TFileQuestion& question) {
     namespace fs = std::filesystem;
+    const fs::path folder = question.FileName.empty() ? fs::path(question.InitialDir)
+                                                      : fs::path(question.FileName).parent_path();
     std::string text = Plain(question.Title.empty() ? "File" : question.Title);
     if (!question.FileName.empty()) text += ", from " + Plain(question.FileName);
     text += " (an empty line cancels)";
     while (const auto line = Ask(text)) {
         if (line->empty()) break;
         std::error_code error;
-        const fs::path chosen =
-            fs::absolute(fs::path(question.FileName).parent_path() / *line, error);
+        const fs::path chosen = fs::absolute(folder / *line, error);
         if (!error &&
             (question.Save ? !fs::is_directory(chosen, error) : fs::is_regular_file(chosen, error)))
-            return chosen.lexically_normal().string();
+            return {chosen.lexically_normal().string()};
         FOut << Plain(*line) << " is no file\n";
     }
     FOut << "cancelled\n";
-    return std::nullopt;
+    return {};
 }
 
 std::optional<std::string> TConsoleDialogs::InputText(std::string_view caption,

@@ -45,7 +45,7 @@ public:
                                                std::string_view folder) override;
     /// Asks for a file, which exists unless it is to be saved, and whose full name is the result;
     /// none when that is cancelled. A relative name begins at the folder of the question's.
-    std::optional<std::string> ChooseFile(const TFileQuestion& question) override;
+    std::vector<std::string> ChooseFiles(const TFileQuestion& question) override;
     /// Asks for a line of text; none when nobody is there. An empty line is the text that there is.
     std::optional<std::string> InputText(std::string_view caption, std::string_view prompt,
                                          std::string_view value) override;

@@ -214,17 +214,26 @@ std::string WithExtension(std::string name, std::string_view extension) {
 
 } // namespace
 
-std::optional<std::string> TPortableOS::ChooseFile(const TFileQuestion& question) {
-    const auto ask = [&](TUserDialogs& console) { return console.ChooseFile(question); };
+std::vector<std::string> TPortableOS::ChooseFiles(const TFileQuestion& question) {
+    std::vector<std::string> more; // than the first one
+    const auto ask = [&](TUserDialogs& console) -> std::optional<std::string> {
+        more = console.ChooseFiles(question);
+        if (more.empty()) return std::nullopt;
+        std::string first = std::move(more.front());
+        more.erase(more.begin());
+        return first;
+    };
     while (auto chosen = AnswerText(FFiles, question.Title, ask)) {
-        const std::string file = WithExtension(std::move(*chosen), question.DefaultExt);
+        std::string file = WithExtension(std::move(*chosen), question.DefaultExt);
         std::error_code error;
-        if (!question.Save || !question.OverwritePrompt || !std::filesystem::exists(file, error) ||
+        if (question.Save && question.OverwritePrompt && std::filesystem::exists(file, error) &&
             MessageBox(0, file + " exists already. Replace it?", question.Title,
-                       MB_YESNO | MB_ICONWARNING) == IDYES)
-            return file;
+                       MB_YESNO | MB_ICONWARNING) != IDYES)
+            continue;
+        more.insert(more.begin(), std::move(file));
+        return more;
     }
-    return std::nullopt;
+    return {};
 }
 
 std::optional<std::string> TPortableOS::InputText(std::string_view caption, std::string_view prompt,

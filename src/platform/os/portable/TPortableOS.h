@@ -68,7 +68,7 @@ public:
     /// Takes the oldest queued file; without one that of the console, or none. A file that exists
     /// and is not to be overwritten is asked about by a message box: when that is refused, the next
     /// one is taken.
-    std::optional<std::string> ChooseFile(const TFileQuestion& question) override;
+    std::vector<std::string> ChooseFiles(const TFileQuestion& question) override;
     /// Takes the oldest queued input; without one that of the console, or none.
     std::optional<std::string> InputText(std::string_view caption, std::string_view prompt,
                                          std::string_view value) override;

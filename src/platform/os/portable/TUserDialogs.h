@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
@@ -19,8 +20,9 @@ public:
     /// An existing folder by its full name; none when that is cancelled.
     virtual std::optional<std::string> SelectDirectory(std::string_view title,
                                                        std::string_view folder) = 0;
-    /// A file by its full name, which exists unless it is to be saved; none when that is cancelled.
-    virtual std::optional<std::string> ChooseFile(const TFileQuestion& question) = 0;
+    /// Files by their full names, which exist unless they are to be saved; none when that is
+    /// cancelled.
+    virtual std::vector<std::string> ChooseFiles(const TFileQuestion& question) = 0;
     /// A line of text; none when that is cancelled.
     virtual std::optional<std::string> InputText(std::string_view caption, std::string_view prompt,
                                                  std::string_view value) = 0;
