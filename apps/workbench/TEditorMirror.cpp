@@ -13,6 +13,7 @@
 #include <QMenu>
 #include <QScrollBar>
 #include <QVBoxLayout>
+#include <Qsci/qscicommandset.h>
 #include <Qsci/qscilexercpp.h>
 #include <Qsci/qscilexerpascal.h>
 
@@ -99,6 +100,11 @@ TEditorMirror::TEditorMirror(TFrontEnd& frontEnd, TControl& control)
     // The end of a long text is shown before all that stands above it is coloured.
     view.SendScintilla(QsciScintilla::SCI_SETIDLESTYLING, QsciScintilla::SC_IDLESTYLING_ALL);
     view.setAccessibleName("Source");
+    // The widget's own commands on letters change lines in ways that nobody asked for.
+    for (QsciCommand* const command : view.standardCommands()->commands()) {
+        const int key = command->key() & ~Qt::KeyboardModifierMask;
+        if (key >= 'A' && key <= 'Z') command->setKey(0);
+    }
     connect(&view, &QsciScintillaBase::SCN_MODIFIED, this,
             [this](int position, int modification, const char* text, int length) {
                 TakeChange(position, modification, text, length);
@@ -449,7 +455,9 @@ bool TEditorMirror::TakeKey(const QKeyEvent& event) {
     // A key that is no command, as Shift alone, does not end what is typed in one go.
     if (key != 0) FrontEnd().Ide().RunCommand([&] { taken = PressEditorKey(*view, key); });
     Follow();
-    return taken || key == 0;
+    // The widget would take an access key that is no menu's for its character.
+    const bool isAccessKey = event.modifiers().testFlag(Qt::AltModifier) && !event.text().isEmpty();
+    return taken || key == 0 || isAccessKey;
 }
 
 void TEditorMirror::Type(const QString& text) {

@@ -107,7 +107,7 @@ TEST_F(ToolBar, WrapsAndMakesRoomForCaptions) {
     Bar->Buttons(0)->SetCaption("&Refresh"); // 42 and two margins
     EXPECT_EQ(rows(), "0:0+58 0:58+8 0:66+36 0:102+8 1:0+23 1:23+23 44 44");
     form.SetWidth(60);
-    EXPECT_EQ(rows(), "0:0+58 1:0+8 1:8+36 1:44+8 2:0+23 2:23+23 66 66");
+    EXPECT_EQ(rows(), "0:0+58 1:0+8 1:0+36 1:36+8 2:0+23 2:23+23 66 66");
     form.SetWidth(300);
     EXPECT_EQ(rows(), "0:0+58 0:58+8 0:66+36 0:102+8 0:110+23 0:133+23 22 22");
     Bar->SetWrapable(false);

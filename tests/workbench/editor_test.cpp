@@ -81,8 +81,6 @@ TEST_F(DesktopEditor, IsOneStepForTheUser) {
         std::string_view Expected;
     } cases[] = {
         {"a word is deleted", [&] { Editor.Do("Ctrl+Backspace"); }, "one  three\r\n|1:5 *"},
-        {"a line is doubled", [&] { Editor.Do("Ctrl+D"); },
-         "one two three\r\none two three\r\n|1:8 *"},
         {"words", [&] { Editor.Do("Ctrl+Left"); }, "one two three\r\n|1:5"},
         {"a text is dropped",
          [&] {

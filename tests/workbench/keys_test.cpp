@@ -73,6 +73,18 @@ TEST_F(WorkbenchKeys, KeysOfTheUsersChoiceComeBeforeAccessKeysAndCharacters) {
     EXPECT_EQ(Text(), "unit A;\r\nxend.");
 }
 
+TEST_F(WorkbenchKeys, KeysThatAreNobodysDoNothing) {
+    for (const char* const key : {"Alt+N", "Alt+Shift+N", "Alt+1", "Ctrl+D", "Ctrl+L", "Ctrl+T",
+                                  "Ctrl+U", "Ctrl+Shift+L", "Ctrl+Shift+U"}) {
+        Press(key);
+        EXPECT_EQ(Text(), Source) << key;
+    }
+    // Both together may be the key of a keyboard's third characters.
+    QTest::sendKeyEvent(QTest::Click, QApplication::focusWidget(), Qt::Key_Q, QString("@"),
+                        Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(Text(), "unit A;\r\n@end.");
+}
+
 /// An item of the pack's menu, and what it does.
 struct TMenuRow {
     QStringList Path;
@@ -106,6 +118,8 @@ protected:
                 EXPECT_EQ(ActiveName(), row.Form);
                 EXPECT_TRUE(window.isModal());
                 EXPECT_GT(window.width(), 200);
+                const QPoint middle = Bench->Window().frameGeometry().center();
+                EXPECT_LE((window.frameGeometry().center() - middle).manhattanLength(), 2);
                 shown = ToText(window.windowTitle()).substr(0, 13);
                 Press("Esc");
             });
