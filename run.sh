@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds the release, and runs it: without arguments the tour of the pack
 # on the example project, otherwise the command line with the arguments given. With the argument
-# "workbench" the desktop program, which gets the arguments behind it.
+# "workbench" the desktop program, which gets the arguments behind it; where a display is present it
+# is built at all events.
 set -euo pipefail
 start=$PWD
 cd "$(dirname "${BASH_SOURCE[0]}")"

@@ -246,9 +246,9 @@ void QtRows(benchmark::State& state) {
     StartQt();
     for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         QWidget form;
-        auto* const layout = new QFormLayout(&form);
+        QFormLayout layout(&form);
         for (std::int64_t i = 0; i < state.range(0); ++i)
-            layout->addRow(QString("Property%1 :").arg(i), QtControl(i, &form));
+            layout.addRow(QString("Property%1 :").arg(i), QtControl(i, &form));
         form.show();
         QApplication::processEvents();
     }

@@ -411,8 +411,10 @@ void TDateTimeMirror::SyncState() {
     const bool shown = !Self().ShownText().empty();
     const QDate date = shown ? QDate(1899, 12, 30).addDays(static_cast<qint64>(Self().Date()))
                              : View().minimumDate();
-    const auto seconds = shown ? static_cast<int>(std::fabs(Self().Time()) * 86400 + 0.5) : 0;
-    const QDateTime moment(date, QTime(0, 0).addSecs(seconds));
+    constexpr long last = 24 * 60 * 60 - 1; // a moment just before midnight is none of this day
+    const long seconds =
+        shown ? std::min(std::lround(std::fabs(Self().Time()) * (last + 1)), last) : 0;
+    const QDateTime moment(date, QTime(0, 0).addSecs(static_cast<int>(seconds)));
     if (View().dateTime() != moment) View().setDateTime(moment); // it ends what is being typed
 }
 

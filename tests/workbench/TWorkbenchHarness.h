@@ -207,7 +207,7 @@ protected:
 
     // --- Menus ----------------------------------------------------------------------------
 
-    static QString Plain(QString caption) { return caption.section('\t', 0, 0).remove('&'); }
+    static QString Plain(const QString& caption) { return caption.section('\t', 0, 0).remove('&'); }
     static QAction& Item(const QWidget& menu, const QString& caption) {
         for (QAction* const action : menu.actions())
             if (Plain(action->text()) == caption) return *action;
