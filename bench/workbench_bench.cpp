@@ -48,7 +48,7 @@ public:
             text += "  Value := Value + Item[" + std::to_string(i) + "];\r\n";
         const std::string file = (FFolder.Path() / "Lines.pas").string();
         SaveFileText(file, text);
-        FWorkbench.Open(FromText(file));
+        FWorkbench.Open(file);
         QApplication::processEvents();
     }
 
