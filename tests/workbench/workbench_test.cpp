@@ -320,7 +320,7 @@ TEST(TextSearch, AgreesWithAPlainOne) {
         const bool matchCase = next(2) == 0;
         const std::size_t to = next(static_cast<std::uint32_t>(plain.size()) + 1);
         const std::size_t from = next(static_cast<std::uint32_t>(to) + 1);
-        const auto fold = [&](std::string folded) {
+        const auto fold = [&](const std::string& folded) {
             return matchCase ? folded : LowerCase(folded);
         };
         const std::string range = fold(plain.substr(from, to - from));
