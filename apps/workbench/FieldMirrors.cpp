@@ -114,13 +114,13 @@ bool TakeInput(TFrontEnd& frontEnd, TCustomEdit& edit, const QInputMethodEvent& 
     return true;
 }
 
-void ShowLine(QLineEdit& line, const TCustomEdit& edit) {
+void ShowLine(QLineEdit& line, TCustomEdit& edit) {
     const std::string& text = edit.Text();
     line.setText(FromText(text));
     line.setReadOnly(edit.ReadOnly());
     const int start = WidgetPlace(text, edit.SelStart());
     const int end = WidgetPlace(text, edit.SelStart() + edit.SelLength());
-    if (end > start)
+    if (end > start && edit.Focused()) // of fields without the keys nobody asks what is selected
         line.setSelection(start, end - start);
     else
         line.setCursorPosition(start);

@@ -72,6 +72,7 @@ public:
     TCheckBoxMirror(TFrontEnd& frontEnd, TCheckBox& box);
 
 protected:
+    void SyncPlace() override;
     void SyncState() override;
 };
 

@@ -59,6 +59,13 @@ TCheckBoxMirror::TCheckBoxMirror(TFrontEnd& frontEnd, TCheckBox& box)
     });
 }
 
+/// A box without a caption is as wide as this desktop makes boxes.
+void TCheckBoxMirror::SyncPlace() {
+    TMirrorOf::SyncPlace();
+    if (Self().Caption().empty())
+        View().resize(std::max(View().width(), View().sizeHint().width()), View().height());
+}
+
 void TCheckBoxMirror::SyncState() {
     View().setText(FromText(Self().Caption()));
     View().setChecked(Self().Checked());

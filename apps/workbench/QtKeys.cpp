@@ -54,12 +54,15 @@ TShortCut ShortCutOf(const QKeyEvent& event) {
     return result;
 }
 
-bool IsTyped(const QKeyEvent& event) {
-    // Both together are the key that gives third characters on some keyboards.
-    const bool ctrl = event.modifiers().testFlag(Qt::ControlModifier);
-    const bool alt = event.modifiers().testFlag(Qt::AltModifier);
+bool HasCharacter(const QKeyEvent& event) {
     const QList<uint> characters = event.text().toUcs4(); // of which one may be two QChars
-    return !characters.isEmpty() && QChar::isPrint(characters.front()) && ctrl == alt;
+    return !characters.isEmpty() && QChar::isPrint(characters.front());
+}
+
+bool IsTyped(const QKeyEvent& event) {
+    // The key that gives third characters is none of these.
+    constexpr auto commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    return HasCharacter(event) && (event.modifiers() & commands) == 0;
 }
 
 } // namespace tarn

@@ -162,7 +162,11 @@ void TEditorMirror::ShowBuffer(TSourceBuffer* buffer) {
     std::erase_if(FDocuments, [](const auto& entry) { return !entry.second.Buffer; });
     FBuffer = buffer;
     FDocument = nullptr;
-    if (!buffer) return View().setDocument(QsciDocument());
+    if (!buffer) {
+        View().setDocument(QsciDocument());
+        View().setMarginWidth(0, 0); // there are no lines
+        return;
+    }
     FDocument = &FDocuments[buffer];
     FDocument->Buffer = buffer;
     View().setDocument(FDocument->Document);
@@ -224,6 +228,18 @@ private:
     long FTold;
 };
 
+/// Keeps a widget from being painted, as long as it lives.
+class TUnpainted {
+public:
+    explicit TUnpainted(QWidget& view) : FView(view) { view.setUpdatesEnabled(false); }
+    TUnpainted(const TUnpainted&) = delete;
+    TUnpainted& operator=(const TUnpainted&) = delete;
+    ~TUnpainted() { FView.setUpdatesEnabled(true); }
+
+private:
+    QWidget& FView;
+};
+
 } // namespace
 
 /// Replaces the bytes between what both texts begin and end with; false when the text is shown.
@@ -266,6 +282,7 @@ bool TEditorMirror::Insert(const TEditText& text, std::size_t from, std::size_t 
     constexpr std::size_t slice = 2 << 20;
     const bool isLong = to - from > slice;
     if (isLong) Tell(QsciScintilla::SCI_ALLOCATE, static_cast<long>(text.Size() + slice));
+    const TUnpainted unpainted(View()); // the end would be seen as the first lines
     for (std::size_t left = to; left > from;) {
         const std::size_t count = std::min(left - from, slice);
         const std::string piece = text.Text(left - count, left);
@@ -455,9 +472,8 @@ bool TEditorMirror::TakeKey(const QKeyEvent& event) {
     // A key that is no command, as Shift alone, does not end what is typed in one go.
     if (key != 0) FrontEnd().Ide().RunCommand([&] { taken = PressEditorKey(*view, key); });
     Follow();
-    // The widget would take an access key that is no menu's for its character.
-    const bool isAccessKey = event.modifiers().testFlag(Qt::AltModifier) && !event.text().isEmpty();
-    return taken || key == 0 || isAccessKey;
+    // The widget would type the character of a hot key that is nobody's.
+    return taken || key == 0 || HasCharacter(event);
 }
 
 void TEditorMirror::Type(const QString& text) {

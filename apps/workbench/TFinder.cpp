@@ -82,6 +82,7 @@ void TFinder::GoToLine() {
     TSourceView* const view = FIde.CurrentView();
     std::string line;
     if (!view || !InputQuery("Go to Line Number", "Line:", line)) return;
+    if (Trim(line).empty()) return;
     const int count = view->Buffer().Text().LineCount();
     const int row = StrToIntDef(Trim(line), 0);
     if (row < 1 || row > count)

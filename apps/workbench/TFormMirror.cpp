@@ -1,7 +1,9 @@
 #include "TFormMirror.h"
 
+#include "Source/Columns.h"
 #include "Source/TSourceBuffer.h"
 #include "TFrontEnd.h"
+#include "TQtDialogs.h"
 #include "rtl/SysUtils.h"
 
 #include <QScreen>
@@ -57,8 +59,9 @@ void TFormMirror::SyncPlace() {
         if (!isNew || at.Left != 0 || at.Top != 0) View().move(OnScreen(View(), at));
     }
     const bool onTop = Self().FormStyle() == fsStayOnTop;
-    if (View().windowFlags().testFlag(Qt::WindowStaysOnTopHint) != onTop)
+    if (View().windowFlags().testFlag(Qt::WindowStaysOnTopHint) != onTop && !Self().Modal())
         View().setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
+    if (Self().Modal() && !View().isVisible()) ComeInFront(View());
     const Qt::WindowStates states[] = {Qt::WindowNoState, Qt::WindowMinimized, Qt::WindowMaximized};
     if (View().windowState() != states[Self().WindowState()] && !View().isActiveWindow())
         View().setWindowState(states[Self().WindowState()]);
@@ -130,8 +133,10 @@ void TMainFormMirror::ShowFile() {
         const bool modified = buffer->Modified();
         title =
             FromText(ExtractFileName(buffer->FileName())) + (modified ? " * - " : " - ") + title;
-        place =
-            QString("%1: %2%3").arg(cursor.Row).arg(cursor.Col).arg(modified ? "   Modified" : "");
+        place = QString("%1: %2%3")
+                    .arg(cursor.Row)
+                    .arg(SeenAt(buffer->Text(), cursor))
+                    .arg(modified ? "   Modified" : "");
     }
     Window().setWindowTitle(title);
     FPlace->setText(place);

@@ -343,8 +343,7 @@ bool TFrontEnd::Key(QWidget& widget, QEvent& event) {
     const auto& key = static_cast<QKeyEvent&>(event);
     const TShortCut shortCut = ShortCutOf(key);
     const bool alt = (shortCut & scAlt) != 0;
-    // What Ctrl and Alt together give is a hot key first, and a character when it is none.
-    const bool offered = shortCut != 0 && (!IsTyped(key) || alt);
+    const bool offered = shortCut != 0 && !IsTyped(key);
     if (event.type() == QEvent::ShortcutOverride) {
         // No shortcut of Qt's own comes before the pack's. An access key of a menu is one.
         FKeyDone = offered && alt && OfferKey(widget, key);

@@ -2,11 +2,7 @@
 
 #include "TMirror.h"
 
-#include <QApplication>
-#include <QFileDialog>
-#include <QInputDialog>
-#include <QMessageBox>
-#include <QPointer>
+#include <QtWidgets>
 
 namespace tarn {
 namespace {
@@ -45,13 +41,20 @@ private:
 } // namespace
 
 void SetTitle(QDialog& dialog, const QString& title) {
-    constexpr int frame = 120; // pixels of a title bar that its buttons take
+    constexpr int frame = 200; // pixels of a title bar that its buttons take
     dialog.setWindowTitle(title);
     dialog.setMinimumWidth(QFontMetrics(QApplication::font()).horizontalAdvance(title) + frame);
 }
 
+void ComeInFront(QWidget& window) {
+    for (const QWidget* const other : QApplication::topLevelWidgets())
+        if (other->isVisible() && other->windowFlags().testFlag(Qt::WindowStaysOnTopHint))
+            window.setWindowFlag(Qt::WindowStaysOnTopHint);
+}
+
 bool Execute(QDialog& dialog) {
     const TDialogOwner owner;
+    ComeInFront(dialog);
     return dialog.exec() == QDialog::Accepted;
 }
 
@@ -64,6 +67,7 @@ TDialogAnswer TQtDialogs::MessageBox(std::string_view text, std::string_view cap
     const std::uint32_t buttons = flags & 0xF;
     if (buttons == MB_OK) {
         box.setStandardButtons(QMessageBox::Ok);
+        ComeInFront(box);
         box.exec();
         return IDOK;
     }
@@ -71,6 +75,8 @@ TDialogAnswer TQtDialogs::MessageBox(std::string_view text, std::string_view cap
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No |
                            (cancels ? QMessageBox::Cancel : QMessageBox::NoButton));
     box.setEscapeButton(cancels ? QMessageBox::Cancel : QMessageBox::No);
+    if ((flags & MB_DEFBUTTON2) != 0) box.setDefaultButton(QMessageBox::No);
+    ComeInFront(box);
     switch (box.exec()) {
     case QMessageBox::Yes:
         return IDYES;
@@ -108,13 +114,13 @@ std::vector<std::string> TQtDialogs::ChooseFiles(const TFileQuestion& question) 
     dialog.setFileMode(question.Save      ? QFileDialog::AnyFile
                        : question.Several ? QFileDialog::ExistingFiles
                                           : QFileDialog::ExistingFile);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite, !question.OverwritePrompt);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite); // whoever asks for the file does that
     dialog.setDefaultSuffix(FromText(question.DefaultExt));
     if (!question.FileName.empty())
         dialog.selectFile(FromText(question.FileName));
     else if (!question.InitialDir.empty())
         dialog.setDirectory(FromText(question.InitialDir));
-    if (dialog.exec() != QDialog::Accepted) return {};
+    if (!Execute(dialog)) return {};
     std::vector<std::string> files;
     for (const QString& file : dialog.selectedFiles()) files.push_back(ToText(file));
     return files;
@@ -123,12 +129,22 @@ std::vector<std::string> TQtDialogs::ChooseFiles(const TFileQuestion& question) 
 std::optional<std::string> TQtDialogs::InputText(std::string_view caption, std::string_view prompt,
                                                  std::string_view value) {
     const TDialogOwner owner;
-    QInputDialog dialog(owner.Window());
+    QDialog dialog(owner.Window());
     SetTitle(dialog, FromText(caption));
-    dialog.setLabelText(FromText(prompt));
-    dialog.setTextValue(FromText(value));
-    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
-    return ToText(dialog.textValue());
+    auto* const column = new QVBoxLayout(&dialog);
+    auto* const label = new QLabel(FromText(prompt));
+    auto* const line = new QLineEdit(FromText(value));
+    auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    label->setTextFormat(Qt::PlainText);
+    label->setBuddy(line);
+    line->selectAll();
+    QObject::connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    column->addWidget(label);
+    column->addWidget(line);
+    column->addWidget(buttons);
+    if (!Execute(dialog)) return std::nullopt;
+    return ToText(line->text());
 }
 
 } // namespace tarn

@@ -5,6 +5,7 @@
 #include <QString>
 
 class QDialog;
+class QWidget;
 
 namespace tarn {
 
@@ -22,6 +23,10 @@ public:
 
 /// Gives a dialog a title, and at least the width that shows it whole.
 void SetTitle(QDialog& dialog, const QString& title);
+
+/// Has a modal window stand in front of those that stay in front of all others. To be called before
+/// it is shown.
+void ComeInFront(QWidget& window);
 
 /// Shows a dialog until it is closed; the window that was active is the active one again then.
 bool Execute(QDialog& dialog);

@@ -256,6 +256,7 @@ void TWorkbench::OpenWatched(const std::string& fileName) {
 
 void TWorkbench::OpenFiles() {
     TOpenDialog dialog;
+    dialog.Title = "Open";
     dialog.AllowMultiSelect = true;
     if (const TSourceBuffer* const buffer = FSession.Ide().CurrentBuffer())
         dialog.InitialDir = ExtractFilePath(buffer->FileName());
@@ -290,6 +291,7 @@ void TWorkbench::ShowTab(int step) {
 void TWorkbench::SaveAs() {
     TIdeModule& module = FSession.Ide().CurrentBuffer()->Module();
     TSaveDialog dialog;
+    dialog.Title = "Save As";
     dialog.FileName = module.FileName();
     dialog.DefaultExt = ExtractFileExt(module.FileName());
     dialog.Filter = "Sources (*.pas;*.cpp;*.h)|*.pas;*.cpp;*.h|All files (*.*)|*.*";
@@ -302,7 +304,7 @@ bool TWorkbench::MayOverwrite(const TSourceBuffer& buffer) {
                Format("%s was changed or deleted by another program since it was read.\n\n"
                       "Write over that?",
                       {buffer.FileName()}),
-               Application()->Title, MB_YESNO | MB_ICONWARNING) == IDYES;
+               Application()->Title, MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) == IDYES;
 }
 
 /// Files that are dropped on the window, or on the editor, which would take them for a text.

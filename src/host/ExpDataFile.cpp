@@ -3,6 +3,7 @@
 #include "qsErrorLog.h"
 #include "qsExpShrData.h"
 #include "rtl/SafeFile.h"
+#include "rtl/TMemoryStream.h"
 
 #include <optional>
 
@@ -23,6 +24,7 @@ struct TAnswer {
 
 struct TKnownFiles {
     std::optional<TFileIdentity> Own; ///< read whole, written, or kept by this process
+    std::string Form;                 ///< the settings as they were read last, see FormOf
     std::optional<TRefusal> Refused;
     std::optional<TAnswer> Answer; ///< to the question about a later version
 };
@@ -30,6 +32,15 @@ struct TKnownFiles {
 TKnownFiles& Known() {
     static TKnownFiles files;
     return files;
+}
+
+/// The settings as a file holds them, without its header.
+std::string FormOf(TExpData& data) {
+    TObjectSaver saver;
+    TPersistent* const object = &data;
+    TMemoryStream stream;
+    saver.SaveObjects({&object, 1}, stream, TStringList(), HeaderName);
+    return {static_cast<const char*>(stream.Memory()), static_cast<std::size_t>(stream.Size())};
 }
 
 /// The check of the version record, whose question is not asked again for the same file.
@@ -95,6 +106,7 @@ bool ReadExpDataFile(TExpData& data, const std::string& fileName) {
     std::string fault = "of a later version, and not wanted";
     if (saver.SafeLoadObjects({&object, 1}, fileName, &fault)) {
         Known().Own = file;
+        Known().Form = FormOf(data);
         Known().Refused.reset();
         return true;
     }
@@ -120,6 +132,13 @@ void SaveExpDataSpc(TSpcObject& spc, const std::string& fileName, TObjectStorage
 
 void WriteExpDataFile(TExpData& data, const std::string& fileName) {
     SaveExpDataSpc(data, fileName, osfBin);
+}
+
+void WriteExpDataFileOnExit(TExpData& data, const std::string& fileName) {
+    const std::optional<TFileIdentity> present = IdentityOf(fileName);
+    const bool isForeign = present && present->Size != 0 && Known().Own && present != Known().Own;
+    if (isForeign && FormOf(data) == Known().Form && FaultOf(fileName).empty()) return;
+    WriteExpDataFile(data, fileName);
 }
 
 namespace {

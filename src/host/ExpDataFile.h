@@ -22,8 +22,11 @@ class TExpData;
 bool ReadExpDataFile(TExpData& data, const std::string& fileName);
 /// Saves the settings in the binary format. Raises EFileError; the file is as it was then.
 void WriteExpDataFile(TExpData& data, const std::string& fileName);
-/// The same without the properties that a TFilteringWriter would leave out by `filter`: the next
-/// load over fresh settings gives them their defaults.
+/// The same, unless nothing was changed since the settings were read and another program has saved
+/// its own meanwhile, which are kept then.
+void WriteExpDataFileOnExit(TExpData& data, const std::string& fileName);
+/// Saves the settings without the properties that a TFilteringWriter would leave out by `filter`:
+/// the next load over fresh settings gives them their defaults.
 void WriteExpDataPart(TExpData& data, const std::string& fileName,
                       const std::function<bool(const TPersistent&, std::string_view)>& filter);
 /// Why the last load of the file, as it stands now, failed; empty when it did not.

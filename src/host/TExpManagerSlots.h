@@ -24,7 +24,8 @@ struct TExpManagerSlots {
     /// Loads the settings tree from an existing file that is not empty, all or nothing; false when
     /// the file could not be read.
     std::function<bool(TExpData& data, const std::string& fileName)> LoadExpData = ReadExpDataFile;
-    std::function<void(TExpData& data, const std::string& fileName)> SaveExpData = WriteExpDataFile;
+    std::function<void(TExpData& data, const std::string& fileName)> SaveExpData =
+        WriteExpDataFileOnExit;
     /// Gives the settings editor the routine that writes a settings object to a file; called when
     /// the package is initialized.
     std::function<void()> InstallSaveRoutine = InstallSaveSpcRoutine;

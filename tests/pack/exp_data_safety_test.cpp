@@ -203,6 +203,28 @@ TEST(ExpDataSafety, AFailureOrPowerCutAnywhereLeavesTheOldOrTheNewSettings) {
     ForgetExpDataFiles();
 }
 
+TEST(ExpDataSafety, TheEndOfAProgramKeepsWhatAnotherHasSaved) {
+    const TTestFolder folder;
+    const std::string file = folder.File("ExpData.spc");
+    TSmallSettings small;
+    WriteExpDataFile(small.Data, file);
+    ASSERT_TRUE(ReadExpDataFile(small.Data, file));
+    const std::string ours = LoadFileText(file);
+    const auto ends = [&](const std::string& saved) {
+        SaveFileText(file, saved);
+        WriteExpDataFileOnExit(small.Data, file);
+        return LoadFileText(file);
+    };
+    EXPECT_EQ(ends(Changed(1)), Changed(1)); // nothing was changed here
+    EXPECT_EQ(ends("nobody's"), ours);
+    small.Form.FormPlacement = "ours";
+    EXPECT_EQ(ends(Changed(1)), small.Saved());
+    RemoveFile(file);
+    WriteExpDataFileOnExit(small.Data, file);
+    EXPECT_EQ(LoadFileText(file), small.Saved());
+    ForgetExpDataFiles();
+}
+
 TEST(ExpDataSafety, AFullDiskKeepsTheOldSettings) {
     const TTestFolder folder;
     const std::string file = folder.File("ExpData.spc");

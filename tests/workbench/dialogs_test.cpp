@@ -23,6 +23,7 @@ TEST_F(WorkbenchDialogs, EachAnswerOfAMessageBox) {
         {MB_YESNO, "Esc", IDNO},
         {MB_YESNO, "x", IDNO},
         {MB_YESNO, "Return", IDYES},
+        {MB_YESNO | MB_DEFBUTTON2, "Return", IDNO},
         {MB_YESNOCANCEL, "Yes", IDYES},
         {MB_YESNOCANCEL, "No", IDNO},
         {MB_YESNOCANCEL, "Cancel", IDCANCEL},

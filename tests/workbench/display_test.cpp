@@ -113,6 +113,11 @@ TEST_F(OnDisplay, IconsAndCaptureOnTop) {
     EXPECT_EQ(capture.isVisible(), true);
     MainWindow().activateWindow();
     Wait([&] { return MainWindow().isActiveWindow(); });
+    Then([this](QWidget& window) { // which it does not hide
+        EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        Press("Esc");
+    });
+    Session.OS().MessageBox(0, "Text", "Title", MB_OK);
     Press("Ctrl+W"); // brings it back
     Wait([&] { return !capture.isMinimized(); });
 }

@@ -74,15 +74,16 @@ TEST_F(WorkbenchKeys, KeysOfTheUsersChoiceComeBeforeAccessKeysAndCharacters) {
 }
 
 TEST_F(WorkbenchKeys, KeysThatAreNobodysDoNothing) {
-    for (const char* const key : {"Alt+N", "Alt+Shift+N", "Alt+1", "Ctrl+D", "Ctrl+L", "Ctrl+T",
-                                  "Ctrl+U", "Ctrl+Shift+L", "Ctrl+Shift+U"}) {
+    for (const char* const key :
+         {"Alt+N", "Alt+Shift+N", "Alt+1", "Ctrl+D", "Ctrl+L", "Ctrl+T", "Ctrl+U", "Ctrl+Shift+L",
+          "Ctrl+Shift+U", "Ctrl+Alt+1", "Meta+Q"}) {
         Press(key);
         EXPECT_EQ(Text(), Source) << key;
     }
-    // Both together may be the key of a keyboard's third characters.
-    QTest::sendKeyEvent(QTest::Click, QApplication::focusWidget(), Qt::Key_Q, QString("@"),
-                        Qt::ControlModifier | Qt::AltModifier);
-    EXPECT_EQ(Text(), "unit A;\r\n@end.");
+    for (const Qt::Key key : {Qt::Key_0, Qt::Key_Equal}) // as some displays tell it
+        QTest::sendKeyEvent(QTest::Click, QApplication::focusWidget(), key, QString(QChar(key)),
+                            Qt::ControlModifier);
+    EXPECT_EQ(Text(), Source);
 }
 
 /// An item of the pack's menu, and what it does.

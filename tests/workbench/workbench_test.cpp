@@ -193,7 +193,13 @@ TEST_F(Workbench, SavesUnderAnotherNameAndOverChanges) {
     Session.OS().QueueAnswer(IDYES);
     Click("FileSaveItem");
     EXPECT_EQ(Read("B.pas"), "12a");
-    EXPECT_EQ(Boxes(), (Strings{Folder.File("B.pas"), question, question}));
+    Ide().TypeText("3");
+    Write("B.pas", "else's");
+    for (const TDialogAnswer answer : {IDYES, IDNO}) Session.OS().QueueAnswer(answer);
+    EXPECT_FALSE(Ide().Modules().CloseAll());
+    EXPECT_EQ(Read("B.pas") + Ide().CurrentBuffer()->Text().Text(), "else's123a");
+    const std::string save = "Save changes to " + Folder.File("B.pas") + "?";
+    EXPECT_EQ(Boxes(), (Strings{Folder.File("B.pas"), question, question, save, question}));
 }
 
 // --- Search -----------------------------------------------------------------------------------
@@ -294,6 +300,7 @@ TEST_F(Workbench, TellsFileAndPlaceAndGoesRoundTheFiles) {
         {Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier, "C.pas - Embedded IDE|1: 1"},
         {Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier, "B.pas - Embedded IDE|1: 1"},
         {Qt::Key_Tab, Qt::ControlModifier, "C.pas - Embedded IDE|1: 1"},
+        {Qt::Key_Tab, Qt::NoModifier, "C.pas * - Embedded IDE|1: 9   Modified"}, // as it is seen
     };
     for (const auto& [key, modifiers, expected] : rows) {
         QTest::keyClick(&View(), key, modifiers);

@@ -2,6 +2,7 @@
 
 #include "Modules/FileNames.h"
 #include "TIde.h"
+#include "rtl/EAbort.h"
 #include "rtl/SysUtils.h"
 
 #include <algorithm>
@@ -204,7 +205,11 @@ bool TModuleList::MayClose(TIdeModule& module) const {
         if (!alive) break; // somebody else has closed it while the question was open
         switch (answer) {
         case IDYES:
-            static_cast<TSourceBuffer&>(editor).Save();
+            try {
+                static_cast<TSourceBuffer&>(editor).Save();
+            } catch (const EAbort&) { // it is not to be written over
+                return false;
+            }
             break;
         case IDNO:
             break;

@@ -40,6 +40,7 @@ using TWndMethod = TMethod<void(TMessage&)>;
 inline constexpr std::uint32_t MB_OK = 0, MB_YESNOCANCEL = 3, MB_YESNO = 4;
 inline constexpr std::uint32_t MB_ICONERROR = 16, MB_ICONQUESTION = 32, MB_ICONWARNING = 48,
                                MB_ICONINFORMATION = 64;
+inline constexpr std::uint32_t MB_DEFBUTTON2 = 256; ///< Enter is the second button
 enum TDialogAnswer : std::uint8_t { IDOK = 1, IDCANCEL = 2, IDYES = 6, IDNO = 7 };
 
 /// What a file dialog asks for.

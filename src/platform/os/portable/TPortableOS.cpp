@@ -228,7 +228,7 @@ std::vector<std::string> TPortableOS::ChooseFiles(const TFileQuestion& question)
         std::error_code error;
         if (question.Save && question.OverwritePrompt && std::filesystem::exists(file, error) &&
             MessageBox(0, file + " exists already. Replace it?", question.Title,
-                       MB_YESNO | MB_ICONWARNING) != IDYES)
+                       MB_YESNO | MB_ICONWARNING | MB_DEFBUTTON2) != IDYES)
             continue;
         more.insert(more.begin(), std::move(file));
         return more;
