@@ -26,6 +26,9 @@ public:
     /// Unloads the packages, closes everything without asking and takes the services out.
     ~TIde();
 
+    /// The column block that was copied last; it is one as long as the clipboard has its text.
+    std::string CopiedColumns;
+
     TPackages& Packages() { return FPackages; }
     TModuleList& Modules() { return FModules; }
     TKeyboard& Keyboard() { return FKeyboard; }

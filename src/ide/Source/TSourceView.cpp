@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 namespace tarn {
 namespace {
@@ -209,6 +210,34 @@ void TSourceView::Put(std::string_view text) {
     const std::size_t end = store.Replace(from, to, text, brConvert);
     DropBlock();
     SetCursor(text.empty() ? block.Start : store.PosAt(end));
+    Scroll(0, 0);
+}
+
+void TSourceView::PutColumns(std::string_view text) {
+    const TSourceBuffer::TEditScope scope(FBuffer);
+    DeleteBlock();
+    TEditText& store = FBuffer.Text();
+    const auto insert = [&store](TTextPos at, std::string_view line) {
+        const std::size_t column = static_cast<std::size_t>(at.Col - 1);
+        const std::size_t length = store.LineLength(at.Row);
+        const std::string blanks(line.empty() || column < length ? 0 : column - length, ' ');
+        const std::size_t offset = store.OffsetAt(at);
+        return store.PosAt(store.Replace(offset, offset, blanks + std::string(line)));
+    };
+    int row = FCursor.Row;
+    const int left = SeenAt(store, FCursor);
+    int right = left;
+    std::vector<TTextPos> ends;
+    ForEachPiece(text, [&](std::string_view line, std::string_view) {
+        if (row > store.LineCount()) store.Replace(store.Size(), store.Size(), "\n", brConvert);
+        const TTextPos at = PosSeenAt(store, row++, left);
+        ends.push_back(line.empty() ? at : insert(at, line));
+        right = std::max(right, SeenAt(store, ends.back()));
+    });
+    for (const TTextPos end : ends)
+        if (static_cast<std::size_t>(end.Col - 1) < store.LineLength(end.Row))
+            insert(end, std::string(static_cast<std::size_t>(right - SeenAt(store, end)), ' '));
+    SetCursor(PosSeenAt(store, ends.back().Row, right));
     Scroll(0, 0);
 }
 

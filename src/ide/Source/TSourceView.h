@@ -51,6 +51,10 @@ public:
     void InsertText(std::string_view text);
     /// The same without any indentation.
     void Put(std::string_view text);
+    /// Replaces the block, or inserts, as a column block: each line at the place where the cursor
+    /// is seen, in its row and those below it, which are added where the text has none. What stands
+    /// behind the lines stays in one column.
+    void PutColumns(std::string_view text);
     /// Inserts as if typed: a line break is the Enter key, whose line indents as the one before it.
     void TypeText(std::string_view text);
     void DeleteBlock();

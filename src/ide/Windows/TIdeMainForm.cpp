@@ -28,17 +28,25 @@ bool IsAnyModified(TIde& ide) {
 }
 
 void Copy(TIde& ide) {
-    Clipboard().SetAsText(ide.CurrentView()->BlockText());
+    const TSourceView& view = *ide.CurrentView();
+    const std::string text = view.BlockText();
+    Clipboard().SetAsText(text);
+    ide.CopiedColumns = view.BlockStyle() == btColumn ? text : "";
 }
 void Cut(TIde& ide) {
     Copy(ide);
     ide.CurrentView()->DeleteBlock();
     ide.CurrentView()->ScrollIntoView();
 }
-/// The clipboard's text comes in as it is, without indentation of its own.
+/// The clipboard's text comes in as it is, without indentation of its own; a column block as one.
 void Paste(TIde& ide) {
-    ide.CurrentView()->Put(Clipboard().AsText());
-    ide.CurrentView()->ScrollIntoView();
+    TSourceView& view = *ide.CurrentView();
+    const std::string text = Clipboard().AsText();
+    if (!text.empty() && text == ide.CopiedColumns)
+        view.PutColumns(text);
+    else
+        view.Put(text);
+    view.ScrollIntoView();
 }
 
 // --- The menu ---------------------------------------------------------------------------------
