@@ -118,6 +118,7 @@ TEST_F(OnDisplay, IconsAndCaptureOnTop) {
         Press("Esc");
     });
     Session.OS().MessageBox(0, "Text", "Title", MB_OK);
+    Wait([&] { return MainWindow().isActiveWindow(); });
     Press("Ctrl+W"); // brings it back
     Wait([&] { return !capture.isMinimized(); });
 }
