@@ -62,7 +62,7 @@ private:
 
 /// Runs this program as another one, see main, until its window is painted and it ends.
 void StartProcess(benchmark::State& state, const char* what) {
-    for (auto _ : state) {
+    for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         QProcess process;
         process.start(QApplication::applicationFilePath(), {what});
         if (!process.waitForFinished() || process.exitCode() != 0) {
@@ -94,7 +94,7 @@ void BM_ShiftLines(benchmark::State& state) {
     QsciScintilla& editor = bench.Editor();
     TSourceView& view = *bench.Session().Ide().CurrentView();
     const std::string before = view.Buffer().Text().Text();
-    for (auto _ : state) {
+    for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         state.PauseTiming();
         view.SelectAll();
         bench.FrontEnd().Flush();
@@ -118,7 +118,7 @@ void BM_ShiftLinesOfEditor(benchmark::State& state) {
     editor.setText(FromText(text));
     editor.setIndentationWidth(1);
     editor.show();
-    for (auto _ : state) {
+    for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         state.PauseTiming();
         editor.selectAll();
         QApplication::processEvents();
@@ -136,7 +136,7 @@ void BM_OpenSettingsEditor(benchmark::State& state) {
     TBench bench;
     TMenuItem* const edit = bench.Session().FindMenuItem("TarnExperts|Settings|Edit...");
     if (!edit) return state.SkipWithError("there is no such menu item");
-    for (auto _ : state) {
+    for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         QElapsedTimer clock;
         qint64 opened = 0;
         // The first thing that the loop of the modal window does.
