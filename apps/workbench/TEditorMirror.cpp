@@ -281,8 +281,11 @@ bool TEditorMirror::ShowText(TSourceBuffer& buffer, TDocument& document) {
 bool TEditorMirror::Insert(const TEditText& text, std::size_t from, std::size_t to) {
     constexpr std::size_t slice = 2 << 20;
     const bool isLong = to - from > slice;
-    if (isLong) Tell(QsciScintilla::SCI_ALLOCATE, static_cast<long>(text.Size() + slice));
-    const TUnpainted unpainted(View()); // the end would be seen as the first lines
+    std::optional<TUnpainted> unpainted; // the end would be seen as the first lines
+    if (isLong) {
+        unpainted.emplace(View());
+        Tell(QsciScintilla::SCI_ALLOCATE, static_cast<long>(text.Size() + slice));
+    }
     for (std::size_t left = to; left > from;) {
         const std::size_t count = std::min(left - from, slice);
         const std::string piece = text.Text(left - count, left);
