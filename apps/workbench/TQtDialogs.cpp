@@ -90,9 +90,11 @@ TDialogAnswer TQtDialogs::MessageBox(std::string_view text, std::string_view cap
 std::optional<std::string> TQtDialogs::SelectDirectory(std::string_view title,
                                                        std::string_view folder) {
     const TDialogOwner owner;
-    const QString chosen =
-        QFileDialog::getExistingDirectory(owner.Window(), FromText(title), FromText(folder));
-    return chosen.isEmpty() ? std::nullopt : std::optional(ToText(chosen));
+    QFileDialog dialog(owner.Window(), FromText(title), FromText(folder));
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    if (!Execute(dialog)) return std::nullopt;
+    return ToText(dialog.selectedFiles().front());
 }
 
 QString FilterOf(std::string_view filter) {
